@@ -1,0 +1,42 @@
+#pragma once
+
+#include "platform/RunLoop.h"
+#include "platform/Workspace.h"
+
+#include <memory>
+
+namespace orv {
+
+/// Something that is refreshed at its start, by a timer and on wake, never while the computer sleeps and never while
+/// a refresh is under way. Main thread only.
+class RefreshingSource : public SleepWakeObserver {
+public:
+    bool isComputerSleeping = false;
+    bool isUpdating = false;
+    std::unique_ptr<Timer> reloadTimer; // never ended while the source lives
+
+    RefreshingSource(const RefreshingSource&) = delete;
+    RefreshingSource& operator=(const RefreshingSource&) = delete;
+    ~RefreshingSource() override;
+
+    /// Starts one refresh, or returns at once.
+    void updateData();
+    void workspaceDidWakeUp() final;
+    void workspaceWillSleep() final;
+
+protected:
+    RefreshingSource(RunLoop& runLoop, Workspace& workspace);
+
+    /// Registers for sleep and wake, refreshes once and schedules the timer; does nothing more when it has a timer.
+    void start(Seconds interval);
+    /// Ends the refresh that `beginUpdate` began: at once, later, or never.
+    void finishUpdate();
+
+private:
+    virtual void beginUpdate() = 0;
+
+    RunLoop& runLoop;
+    Workspace& workspace;
+};
+
+} // namespace orv
