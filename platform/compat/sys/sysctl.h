@@ -1,0 +1,8 @@
+#pragma once
+
+// sysctlbyname as Apple's <sys/sysctl.h> declares it, for systems that have none. It is defined in
+// platform/hardware/SysctlCalls.cpp.
+
+#include <cstddef>
+
+extern "C" int sysctlbyname(const char* name, void* oldp, size_t* oldlenp, void* newp, size_t newlen);

@@ -1,0 +1,53 @@
+#include "smc/Fans.h"
+
+#include "platform/Fatal.h"
+#include "readings/Integers.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace orv::Orv_SMCHelper {
+
+namespace {
+
+std::string fanKey(std::int64_t index, const char* suffix)
+{
+    return std::string{'F', "0123456789ABCDEF"[index]} + suffix;
+}
+
+std::int64_t roundedSpeed(SMC& smc, const std::string& key)
+{
+    const auto speed = integerPart(std::round(smc.getValue(key).value_or(0.0)));
+    if (!speed)
+        fatalError("a fan speed is out of range");
+    return *speed;
+}
+
+} // namespace
+
+ThermalDictionary readFans(SMC& smc, const std::vector<std::string>& fanKeys)
+{
+    ThermalDictionary fans;
+    for (std::int64_t index = 0; index < maxFanCount; ++index) {
+        auto actualKey = fanKey(index, "Ac");
+        if (std::ranges::find(fanKeys, actualKey) == fanKeys.end())
+            continue;
+        FanEntry fan{.title = fanTitle(index)};
+        fan.minvalue = roundedSpeed(smc, fanKey(index, "Mn"));
+        fan.maxvalue = roundedSpeed(smc, fanKey(index, "Mx"));
+        fan.value = roundedSpeed(smc, actualKey);
+        fans.insert_or_assign(std::move(actualKey), std::move(fan));
+    }
+    return fans;
+}
+
+std::string fanTitle(std::int64_t index)
+{
+    if (index == 0)
+        return "Left Side";
+    if (index == 1)
+        return "Right Side";
+    return "Fan " + std::to_string(index);
+}
+
+} // namespace orv::Orv_SMCHelper

@@ -1,0 +1,125 @@
+#include "smc/SMCValueDecoding.h"
+
+#include <algorithm>
+#include <bit>
+
+namespace orv {
+
+using enum SMCNumberForm;
+
+constexpr std::array<SMCValueFormat, 31> smcValueFormats{{
+    {SMCDataType::flt, "flt ", float32, 4},
+    {SMCDataType::fp1f, "fp1f", unsigned16, 2, 15},
+    {SMCDataType::fp4c, "fp4c", unsigned16, 2, 12},
+    {SMCDataType::fp5b, "fp5b", unsigned16, 2, 11},
+    {SMCDataType::fp6a, "fp6a", unsigned16, 2, 10},
+    {SMCDataType::fp79, "fp79", unsigned16, 2, 9},
+    {SMCDataType::fp88, "fp88", unsigned16, 2, 8},
+    {SMCDataType::fpa6, "fpa6", unsigned16, 2, 6},
+    {SMCDataType::fpc4, "fpc4", unsigned16, 2, 4},
+    {SMCDataType::fpe2, "fpe2", unsigned16, 2, 2},
+    {SMCDataType::sp1e, "sp1e", signed16, 2, 14},
+    {SMCDataType::sp3c, "sp3c", signed16, 2, 12},
+    {SMCDataType::sp4b, "sp4b", signed16, 2, 11},
+    {SMCDataType::sp5a, "sp5a", signed16, 2, 10},
+    {SMCDataType::sp69, "sp69", signed16, 2, 9},
+    {SMCDataType::sp78, "sp78", signed16, 2, 8},
+    {SMCDataType::sp87, "sp87", signed16, 2, 7},
+    {SMCDataType::sp96, "sp96", signed16, 2, 6},
+    {SMCDataType::spb4, "spb4", signed16, 2, 4},
+    {SMCDataType::spf0, "spf0", unsigned16, 2}, // signed by name, but read unsigned on purpose
+    {SMCDataType::ui8, "ui8 ", unsigned8},
+    {SMCDataType::ui16, "ui16", unsigned16},
+    {SMCDataType::ui32, "ui32", unsigned32},
+    {SMCDataType::si8, "si8 "},
+    {SMCDataType::si16, "si16"},
+    {SMCDataType::pwm, "{pwm"},
+    {SMCDataType::lso, "{lso"},
+    {SMCDataType::ala, "{ala"},
+    {SMCDataType::flag, "flag"},
+    {SMCDataType::fds, "{fds"},
+    {SMCDataType::ch8, "ch8*"},
+}};
+
+namespace {
+
+constexpr bool rowsFollowTheEnumeration()
+{
+    for (std::size_t row = 0; row < smcValueFormats.size(); ++row) {
+        if (static_cast<std::size_t>(smcValueFormats[row].type) != row)
+            return false;
+    }
+    return true;
+}
+
+// The last character of a fixed-point code is the number of fraction bits in hexadecimal.
+constexpr bool fractionBitsFollowTheCodes()
+{
+    return std::ranges::all_of(smcValueFormats, [](const SMCValueFormat& format) {
+        const auto digit = format.code[3];
+        const bool isFixedPoint = format.requiredSize == 2;
+        return !isFixedPoint
+            || format.fractionBits == static_cast<unsigned>(digit <= '9' ? digit - '0' : digit - 'a' + 10);
+    });
+}
+
+static_assert(rowsFollowTheEnumeration() && fractionBitsFollowTheCodes());
+
+std::uint32_t bigEndian(const SMCVal& val, std::size_t count)
+{
+    std::uint32_t number = 0;
+    for (std::size_t index = 0; index < count; ++index)
+        number = number << 8 | val.bytes[index];
+    return number;
+}
+
+float littleEndianFloat(const SMCVal& val)
+{
+    std::uint32_t bits = 0;
+    for (std::size_t index = 4; index-- > 0;)
+        bits = bits << 8 | val.bytes[index];
+    return std::bit_cast<float>(bits);
+}
+
+std::optional<double> number(const SMCVal& val, SMCNumberForm form)
+{
+    switch (form) {
+    case none:
+        return std::nullopt;
+    case unsigned8:
+        return val.bytes[0];
+    case unsigned16:
+        return bigEndian(val, 2);
+    case unsigned32:
+        return bigEndian(val, 4);
+    case float32:
+        return static_cast<double>(littleEndianFloat(val));
+    case signed16:
+        break;
+    }
+    const auto integer = static_cast<std::int16_t>(bigEndian(val, 2));
+    return integer < 0 ? std::nullopt : std::optional<double>(integer);
+}
+
+} // namespace
+
+const SMCValueFormat* smcValueFormat(std::string_view code)
+{
+    const auto found = std::ranges::find(smcValueFormats, code, &SMCValueFormat::code);
+    return found == smcValueFormats.end() ? nullptr : &*found;
+}
+
+std::optional<double> decodeValue(const SMCVal& val)
+{
+    if (val.dataSize == 0)
+        return std::nullopt;
+    const auto* format = smcValueFormat(val.dataType);
+    if (!format || (format->requiredSize != 0 && format->requiredSize != val.dataSize))
+        return std::nullopt;
+    const auto integer = number(val, format->form);
+    if (!integer)
+        return std::nullopt;
+    return *integer / static_cast<double>(1u << format->fractionBits);
+}
+
+} // namespace orv
