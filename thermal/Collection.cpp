@@ -1,0 +1,209 @@
+#include "thermal/Collection.h"
+
+#include "smc/Fans.h"
+#include "smc/SMCValueDecoding.h"
+#include "thermal/Orv_SMCProfileKeys.h"
+#include "thermal/ZpM1IOHIDSensors.h"
+#include "thermal/ZpSystemInfo.h"
+
+#include <algorithm>
+#include <iterator>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+namespace orv::Orv_SMCHelper {
+
+using namespace Orv_SMCProfileKeys;
+
+namespace {
+
+constexpr double smcThreshold = 10.0;
+
+struct SplitKeys {
+    std::vector<std::string> fans;
+    std::vector<std::string> temperatures;
+};
+
+SplitKeys splitKeys(const std::vector<std::string>& keys)
+{
+    SplitKeys split;
+    for (const auto& key : keys) {
+        if (key.starts_with('F'))
+            split.fans.push_back(key);
+        if (key.starts_with('T'))
+            split.temperatures.push_back(key);
+    }
+    return split;
+}
+
+// Ascending order of bytes, which decides both who owns a shared title and how cores are counted.
+template <typename IsCandidate>
+std::vector<std::string> candidates(const std::vector<std::string>& temperatureKeys, IsCandidate isCandidate)
+{
+    std::vector<std::string> keys;
+    std::ranges::copy_if(temperatureKeys, std::back_inserter(keys), isCandidate);
+    std::ranges::sort(keys);
+    const auto repeated = std::ranges::unique(keys);
+    keys.erase(repeated.begin(), repeated.end());
+    return keys;
+}
+
+// A failed exchange and a value that is none are the same to a collection.
+std::optional<double> readTemperature(SMC& smc, const std::string& key)
+{
+    SMCVal val{.key = key};
+    if (smc.read(val) != KERN_SUCCESS)
+        return std::nullopt;
+    return decodeValue(val);
+}
+
+/// Temperatures in the order of reading; a title is given out once.
+class TitledTemperatures {
+public:
+    void add(const std::string& key, std::string title, double degrees)
+    {
+        if (std::ranges::find(titles, title) != titles.end())
+            return;
+        const auto added = readings.emplace_hint(readings.end(), key, TemperatureEntry{std::move(title), degrees});
+        titles.push_back(std::get<TemperatureEntry>(added->second).title);
+    }
+
+    ThermalDictionary take() { return std::move(readings); }
+
+private:
+    ThermalDictionary readings;
+    std::vector<std::string_view> titles; // of the readings, which stay where they are
+};
+
+bool brandContains(std::string_view chip)
+{
+    return ZpSystemInfo::cpuBrandString().find(chip) != std::string::npos;
+}
+
+// On these chips an idle performance core reads 0; an efficiency core's temperature stands in for it.
+double coreFallback(SMC& smc)
+{
+    if (!brandContains("M2") && !brandContains("M4"))
+        return 0.0;
+    return smc.getValue("Te05").value_or(0.0);
+}
+
+struct SocCounters {
+    std::int64_t efficiency = 0;
+    std::int64_t performance = 0;
+    std::int64_t gpu = 0;
+
+    void count(const std::string& key)
+    {
+        efficiency += efficiencyCoreKeys.contains(key);
+        performance += performanceCoreKeys.contains(key);
+        gpu += key.starts_with("Tg");
+    }
+};
+
+} // namespace
+
+ThermalDictionary collectThermalReadings(const OrvTemperatureFans& profile, SMC& smc, HIDEventSystem& hidEventSystem)
+{
+    if (!profile.isAppleChip)
+        return collectIntel(smc);
+    if (!profile.isM1())
+        return collectAppleSilicon(smc, profile.numberOfEfficiencyCores, profile.numberOfPerformanceCores);
+    auto hid = ZpM1IOHIDSensors::readHIDTemperatures(hidEventSystem);
+    return mergeReadings(collectM1Common(smc), std::move(hid));
+}
+
+ThermalDictionary collectIntel(SMC& smc)
+{
+    return collectWithTable(smc, intelSensorKeys);
+}
+
+ThermalDictionary collectM1Common(SMC& smc)
+{
+    return collectWithTable(smc, commonSensorKeys);
+}
+
+ThermalDictionary collectAppleSilicon(SMC& smc, std::int64_t efficiencyCores, std::int64_t performanceCores)
+{
+    smc.open();
+    const auto keys = splitKeys(smc.getAllKeys());
+    auto fans = readFans(smc, keys.fans);
+    auto common = readTableTemperatures(smc, keys.temperatures, commonSensorKeys);
+    auto soc = readSocTemperatures(smc, keys.temperatures, efficiencyCores, performanceCores);
+    auto combined = mergeReadings(std::move(soc), std::move(common));
+    smc.close();
+    return mergeReadings(std::move(combined), std::move(fans));
+}
+
+ThermalDictionary collectWithTable(SMC& smc, const SensorTable& table)
+{
+    smc.open();
+    const auto keys = splitKeys(smc.getAllKeys());
+    auto fans = readFans(smc, keys.fans);
+    auto temperatures = readTableTemperatures(smc, keys.temperatures, table);
+    smc.close();
+    return mergeReadings(std::move(temperatures), std::move(fans));
+}
+
+ThermalDictionary readTableTemperatures(
+    SMC& smc, const std::vector<std::string>& temperatureKeys, const SensorTable& table)
+{
+    TitledTemperatures temperatures;
+    const auto isInTable = [&](const std::string& key) { return table.contains(key); };
+    for (const auto& key : candidates(temperatureKeys, isInTable)) {
+        const auto degrees = readTemperature(smc, key);
+        if (!degrees || !(*degrees > smcThreshold))
+            continue;
+        const auto* sensor = table.find(key);
+        temperatures.add(key, std::string(sensor ? std::string_view(sensor->name) : "Unknown"), *degrees);
+    }
+    return temperatures.take();
+}
+
+ThermalDictionary readSocTemperatures(SMC& smc, const std::vector<std::string>& temperatureKeys,
+    std::int64_t efficiencyCores, std::int64_t performanceCores)
+{
+    const bool isM4 = brandContains("M4");
+    const auto isSocKey = [&](const std::string& key) {
+        return socSensorKeys.contains(key) && !(isM4 && key.starts_with("Tp0"));
+    };
+    const auto keys = candidates(temperatureKeys, isSocKey);
+    const auto fallback = coreFallback(smc);
+
+    TitledTemperatures temperatures;
+    SocCounters counters;
+    for (const auto& key : keys) {
+        // Counted before anything can skip the key: a sensor's number is its place, so a failing one leaves a gap.
+        counters.count(key);
+        if (efficiencyCoreKeys.contains(key) && counters.efficiency > efficiencyCores)
+            continue;
+        if (performanceCoreKeys.contains(key) && counters.performance > performanceCores)
+            continue;
+        auto degrees = readTemperature(smc, key);
+        if (!degrees)
+            continue;
+        if (!(*degrees > smcThreshold)) {
+            if (!(fallback > 0) || !key.starts_with("Tp"))
+                continue;
+            degrees = fallback;
+        }
+        temperatures.add(key, socSensorName(key, counters.efficiency, counters.performance, counters.gpu), *degrees);
+    }
+    return temperatures.take();
+}
+
+std::string socSensorName(
+    const std::string& key, std::int64_t efficiencyIndex, std::int64_t performanceIndex, std::int64_t gpuIndex)
+{
+    if (efficiencyCoreKeys.contains(key))
+        return "Core Efficiency " + std::to_string(efficiencyIndex);
+    if (performanceCoreKeys.contains(key))
+        return "Core Performance " + std::to_string(performanceIndex);
+    if (key.starts_with("Tg"))
+        return "GPU " + std::to_string(gpuIndex);
+    const auto* sensor = socSensorKeys.find(key);
+    return sensor ? std::string(sensor->name) : "Unknown";
+}
+
+} // namespace orv::Orv_SMCHelper

@@ -1,0 +1,31 @@
+#include "thermal/SensorCatalogue.h"
+
+#include "thermal/Orv_SMCProfileKeys.h"
+#include "thermal/tables/CommonSensorKeys.h"
+#include "thermal/tables/CoreKeys.h"
+#include "thermal/tables/HIDSensorNames.h"
+#include "thermal/tables/IntelSensorKeys.h"
+#include "thermal/tables/SocSensorKeys.h"
+
+namespace orv::Orv_SMCProfileKeys {
+
+namespace {
+
+template <const auto& rows> constexpr auto sorted = sortedByKey(rows);
+
+} // namespace
+
+constexpr SensorTable intelSensorKeys{intelRows, sorted<intelRows>};
+constexpr SensorTable commonSensorKeys{commonRows, sorted<commonRows>};
+constexpr SensorTable socSensorKeys{socRows, sorted<socRows>};
+constexpr KeyList efficiencyCoreKeys{efficiencyCores, sorted<efficiencyCores>};
+constexpr KeyList performanceCoreKeys{performanceCores, sorted<performanceCores>};
+constexpr SensorTable hidSensorNames{hidRows, sorted<hidRows>};
+
+// A core sensor is counted only when it is read, and it is read only when the SoC table names it.
+static_assert(isSubset(efficiencyCoreKeys, socSensorKeys));
+static_assert(isSubset(performanceCoreKeys, socSensorKeys));
+
+static_assert(!hidSensorNames.contains("Tsdi"));
+
+} // namespace orv::Orv_SMCProfileKeys

@@ -1,0 +1,68 @@
+#include "thermal/ZpM1IOHIDSensors.h"
+
+#include "platform/Fatal.h"
+#include "readings/Integers.h"
+#include "smc/FourCharCode.h"
+#include "thermal/Orv_SMCProfileKeys.h"
+
+#include <cmath>
+#include <optional>
+
+namespace orv::ZpM1IOHIDSensors {
+
+namespace {
+
+constexpr double hidThreshold = 5.0; // lower than that of SMC temperatures on purpose
+
+std::int32_t int32(std::int64_t number)
+{
+    if (number < INT32_MIN || number > INT32_MAX)
+        fatalError("a HID number does not fit in 32 bits");
+    return static_cast<std::int32_t>(number);
+}
+
+// The property is a number only when it converts to a signed integer without loss.
+std::optional<std::int64_t> integerProperty(const Value& property)
+{
+    if (const auto* integer = property.as<std::int64_t>())
+        return *integer;
+    const auto* number = property.as<double>();
+    if (!number || std::trunc(*number) != *number)
+        return std::nullopt;
+    return integerPart(*number);
+}
+
+} // namespace
+
+ThermalDictionary readHIDTemperatures(HIDEventSystem& hidEventSystem)
+{
+    ThermalDictionary temperatures;
+    for (const auto& [code, degrees] :
+        hidReadings(hidEventSystem, appleVendorPage, temperatureUsage, temperatureEventType)) {
+        const auto* sensor = Orv_SMCProfileKeys::hidSensorNames.find(code);
+        if (!sensor || !(degrees > hidThreshold))
+            continue;
+        temperatures.emplace(code, TemperatureEntry{std::string(sensor->name), degrees});
+    }
+    return temperatures;
+}
+
+std::map<std::string, double> hidReadings(
+    HIDEventSystem& hidEventSystem, std::int64_t page, std::int64_t usage, std::int64_t eventType)
+{
+    std::map<std::string, double> readings;
+    const auto type = int32(eventType);
+    const auto field = int32(eventType * 65536); // the first field of a type, which is a temperature's level
+    const auto addReading = [&](HIDService& service) {
+        const auto location = integerProperty(service.locationID());
+        if (!location || *location <= 0)
+            return;
+        const auto code = fourCharString(static_cast<std::uint32_t>(*location));
+        readings[code] = service.eventValue(type, field).value_or(-1.0);
+    };
+    if (!hidEventSystem.forEachService(int32(page), int32(usage), addReading))
+        fatalError("no client of the HID event system");
+    return readings;
+}
+
+} // namespace orv::ZpM1IOHIDSensors
