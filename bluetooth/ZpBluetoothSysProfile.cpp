@@ -1,0 +1,28 @@
+#include "bluetooth/ZpBluetoothSysProfile.h"
+
+#include "bluetooth/SystemProfilerReport.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace orv::ZpBluetoothSysProfile {
+
+namespace {
+
+const std::string profilerPath = "/usr/sbin/system_profiler";
+const std::vector<std::string> profilerArguments{"SPBluetoothDataType", "-json"};
+
+} // namespace
+
+void fetchBatteryLevels(
+    RunLoop& runLoop, ProcessLauncher& launcher, std::function<void(BluetoothBatteryDictionary)> completion)
+{
+    runLoop.postToBackground([&runLoop, &launcher, completion = std::move(completion)] {
+        launcher.start(profilerPath, profilerArguments, [&runLoop, completion](const std::string& output) {
+            runLoop.post([completion, levels = parseBluetoothReport(output)] { completion(levels); });
+        });
+    });
+}
+
+} // namespace orv::ZpBluetoothSysProfile
