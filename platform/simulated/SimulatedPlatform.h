@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platform/Platform.h"
+#include "platform/simulated/SimulatedBluetoothEvents.h"
+#include "platform/simulated/SimulatedBundle.h"
+#include "platform/simulated/SimulatedMac.h"
+#include "platform/simulated/SimulatedWorkspace.h"
+
+#include <string>
+
+namespace orv {
+
+/// A simulated Mac with everything around it except the run loop and the launcher. Main thread only.
+struct SimulatedPlatform {
+    /// Puts the Mac behind the IOKit and sysctl calls.
+    SimulatedPlatform(
+        const MachineFile& machine, const std::string& identifier, RunLoop& runLoop, ProcessLauncher& processLauncher)
+        : mac(machine)
+        , bundle(identifier, machine.watchFile)
+        , platform{runLoop, workspace, bluetoothEvents, processLauncher, bundle, mac}
+    {
+        setHardware(mac);
+        workspace.onOpen = [this](const std::string&) { bundle.runCompanion(); };
+    }
+    SimulatedPlatform(const SimulatedPlatform&) = delete;
+    SimulatedPlatform& operator=(const SimulatedPlatform&) = delete;
+
+    SimulatedMac mac;
+    SimulatedWorkspace workspace;
+    SimulatedBluetoothEvents bluetoothEvents;
+    SimulatedBundle bundle;
+    const Platform platform;
+};
+
+} // namespace orv
