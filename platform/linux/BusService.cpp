@@ -1,0 +1,166 @@
+#include "platform/linux/BusService.h"
+
+#include "platform/linux/BusMessageSink.h"
+#include "platform/linux/BusNames.h"
+#include "platform/linux/SimulationInterface.h"
+#include "service/OrvSMCHelperServer.h"
+
+#include <signal.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <future>
+#include <utility>
+
+namespace orv {
+
+namespace {
+
+struct MessageTraits {
+    using Handle = sd_bus_message*;
+    static constexpr Handle none = nullptr;
+    static void release(Handle handle) { sd_bus_message_unref(handle); }
+};
+
+using Message = Owned<MessageTraits>;
+
+template <typename WriteReply> int reply(sd_bus_message* call, WriteReply writeReply)
+{
+    Message message;
+    if (const int result = sd_bus_message_new_method_return(call, message.out()); result < 0)
+        return result;
+    BusMessageSink sink(message.get());
+    writeReply(sink);
+    if (sink.isComplete())
+        return sd_bus_message_send(message.get());
+    return sd_bus_reply_method_return(call, "a{sa{sv}}", 0); // what cannot be built is the empty dictionary
+}
+
+int terminationArrived(sd_event_source*, const signalfd_siginfo* information, void* terminate)
+{
+    const auto& callBack = *static_cast<std::function<void(int)>*>(terminate);
+    callBack(static_cast<int>(information->ssi_signo));
+    return 0;
+}
+
+} // namespace
+
+const sd_bus_vtable BusService::requestMethods[] = {
+    SD_BUS_VTABLE_START(0),
+    SD_BUS_METHOD_WITH_ARGS(thermalMethod, SD_BUS_NO_ARGS, SD_BUS_RESULT("a{sa{sv}}", readings), getModelDatawithReply,
+        SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD_WITH_ARGS(bluetoothMethod, SD_BUS_NO_ARGS, SD_BUS_RESULT("a{sa{sv}}", levels), getBTDataWithReply,
+        SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_VTABLE_END,
+};
+
+BusService::BusService(std::string givenIdentifier, EventRunLoop& givenLoop, SimulatedPlatform* simulatedPlatform)
+    : bundleIdentifier(std::move(givenIdentifier))
+    , mainLoop(givenLoop)
+    , simulation(simulatedPlatform)
+    , simulationContext{simulatedPlatform, &givenLoop, &busLoop}
+{
+    std::promise<bool> connection;
+    thread =
+        std::thread([this, &connection] { runThread([&](bool isConnected) { connection.set_value(isConnected); }); });
+    connected = connection.get_future().get();
+}
+
+BusService::~BusService()
+{
+    busLoop.exit(0);
+    thread.join();
+}
+
+void BusService::resume(const OrvSMCHelperServer& helperServer)
+{
+    busLoop.post([this, &helperServer] {
+        server = &helperServer;
+        publish();
+    });
+}
+
+void BusService::onTermination(std::function<void(int signal)> callBack)
+{
+    busLoop.post([this, callBack = std::move(callBack)] {
+        terminate = callBack;
+        for (const int signal : {SIGTERM, SIGINT})
+            sd_event_add_signal(busLoop.event(), nullptr, signal, terminationArrived, &terminate);
+    });
+}
+
+void BusService::runThread(std::function<void(bool isConnected)> onConnected)
+{
+    const int result = connect();
+    if (result < 0)
+        fail("no session bus", result);
+    onConnected(result >= 0);
+    if (result >= 0)
+        busLoop.run();
+    bus.reset();
+}
+
+int BusService::connect()
+{
+    if (const int result = sd_bus_open_user(bus.out()); result < 0)
+        return result;
+    // Waits for the bus to accept the connection: a bus gives up on one that stays silent during a slow first refresh.
+    const char* uniqueName = nullptr;
+    if (const int result = sd_bus_get_unique_name(bus.get(), &uniqueName); result < 0)
+        return result;
+    if (const int result = sd_bus_match_signal(bus.get(), nullptr, "org.freedesktop.DBus.Local",
+            "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected", disconnected, this);
+        result < 0)
+        return result;
+    return sd_bus_attach_event(bus.get(), busLoop.event(), SD_EVENT_PRIORITY_NORMAL);
+}
+
+void BusService::publish()
+{
+    const auto path = objectPath(bundleIdentifier);
+    int result = sd_bus_add_object_vtable(bus.get(), nullptr, path.c_str(), requestInterface, requestMethods, this);
+    if (result >= 0 && simulation)
+        result = addSimulationInterface(bus.get(), path, simulationContext);
+    if (result < 0)
+        return fail("cannot publish " + path, result);
+    if (bundleIdentifier.empty())
+        return;
+    result = sd_bus_request_name(bus.get(), bundleIdentifier.c_str(), 0);
+    if (result == -EEXIST)
+        return fail("the name " + bundleIdentifier + " is already taken on the session bus", 0);
+    if (result < 0)
+        fail("cannot claim the name " + bundleIdentifier, result);
+}
+
+void BusService::fail(const std::string& what, int error)
+{
+    if (hasFailed)
+        return;
+    hasFailed = true;
+    if (error < 0)
+        std::fprintf(stderr, "orv-smc-helper: %s: %s\n", what.c_str(), std::strerror(-error));
+    else
+        std::fprintf(stderr, "orv-smc-helper: %s\n", what.c_str());
+    mainLoop.exit(1);
+}
+
+int BusService::getModelDatawithReply(sd_bus_message* call, void* service, sd_bus_error*)
+{
+    const auto readings = static_cast<BusService*>(service)->server->smcData.take();
+    return reply(call, [&](ReplySink& sink) { writeThermalReply(*readings, sink); });
+}
+
+int BusService::getBTDataWithReply(sd_bus_message* call, void* service, sd_bus_error*)
+{
+    const auto readings = static_cast<BusService*>(service)->server->btData.take();
+    return reply(call, [&](ReplySink& sink) { writeBluetoothReply(*readings, sink, messageBusLimits); });
+}
+
+int BusService::disconnected(sd_bus_message*, void* service, sd_bus_error*)
+{
+    static_cast<BusService*>(service)->fail("the session bus went away", 0);
+    return 0;
+}
+
+} // namespace orv

@@ -1,0 +1,50 @@
+#include "tools/orvctl/SimulatedClient.h"
+
+#include "bluetooth/OrvBluetoothAppleWatch.h"
+#include "bluetooth/OrvBluetoothSysProfile.h"
+#include "platform/linux/ProfilerProgram.h"
+#include "platform/simulated/ManualRunLoop.h"
+#include "platform/simulated/SimulatedPlatform.h"
+#include "service/Replies.h"
+#include "smc/SMC.h"
+#include "thermal/Collection.h"
+
+#include <utility>
+
+namespace orv {
+
+namespace {
+
+// On the manual clock the companion's five seconds pass at once.
+constexpr Seconds untilWatchFileIsRead{5.0};
+
+BluetoothBatteryDictionary collectBluetoothReadings(const Platform& platform, ManualRunLoop& runLoop)
+{
+    const auto monitor = OrvBluetoothSysProfile::create(platform);
+    const auto watch = OrvBluetoothAppleWatch::create(platform);
+    runLoop.advance(untilWatchFileIsRead);
+    return mergeReadings(watch->systemBlueToothDictionary, monitor->systemBlueToothDictionary);
+}
+
+} // namespace
+
+ServiceAnswer askSimulatedMac(Request request, const std::string& machinePath)
+{
+    std::string fault;
+    const auto machine = readMachineFile(machinePath, fault);
+    if (!machine)
+        return {std::nullopt, fault};
+    ManualRunLoop runLoop;
+    SpawnLauncher launcher(simulatedProfiler(machinePath));
+    SimulatedPlatform simulation(*machine, "", runLoop, launcher);
+    ValueSink sink;
+    if (request == Request::thermal) {
+        SMC smc;
+        writeThermalReply(Orv_SMCHelper::collectThermalReadings(OrvTemperatureFans(), smc, simulation.mac), sink);
+    } else {
+        writeBluetoothReply(collectBluetoothReadings(simulation.platform, runLoop), sink, propertyListLimits);
+    }
+    return {sink.take(), {}};
+}
+
+} // namespace orv
