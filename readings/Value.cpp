@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <tuple>
 
 namespace orv {
 
@@ -12,7 +13,7 @@ std::vector<Member> firstOfEachKey(std::vector<Member> listed)
 {
     std::vector<std::size_t> order(listed.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
-    std::ranges::stable_sort(order, [&](auto a, auto b) { return listed[a].key < listed[b].key; });
+    std::ranges::sort(order, [&](auto a, auto b) { return std::tie(listed[a].key, a) < std::tie(listed[b].key, b); });
     const auto isRepeated = [&](auto a, auto b) { return listed[a].key == listed[b].key; };
     if (std::ranges::adjacent_find(order, isRepeated) == order.end())
         return listed;

@@ -115,7 +115,8 @@ int EventRunLoop::run()
 void EventRunLoop::exit(int status)
 {
     post([this, status] {
-        if (sd_event_get_exit_code(event(), nullptr) == -ENODATA)
+        int earlierStatus = 0;
+        if (sd_event_get_exit_code(event(), &earlierStatus) == -ENODATA)
             sd_event_exit(event(), status);
     });
 }

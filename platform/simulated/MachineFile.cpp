@@ -279,24 +279,23 @@ private:
 
 } // namespace
 
+std::optional<MachineFile> parseMachine(std::string_view bytes, std::string& fault)
+{
+    const auto document = parseStrictJSON(bytes, fault);
+    if (!document)
+        return std::nullopt;
+    MachineReader reader;
+    auto machine = reader.read(*document);
+    fault = reader.fault;
+    return fault.empty() ? std::optional(std::move(machine)) : std::nullopt;
+}
+
 std::optional<MachineFile> readMachineFile(const std::string& path, std::string& fault)
 {
     const auto bytes = readFile(path, largestMachineFile);
-    if (!bytes) {
-        fault = path + ": " + std::strerror(errno);
-        return std::nullopt;
-    }
-    const auto document = parseStrictJSON(*bytes, fault);
-    if (!document) {
-        fault = path + ": " + fault;
-        return std::nullopt;
-    }
-    MachineReader reader;
-    auto machine = reader.read(*document);
-    if (!reader.fault.empty()) {
-        fault = path + ": " + reader.fault;
-        return std::nullopt;
-    }
+    auto machine = bytes ? parseMachine(*bytes, fault) : std::nullopt;
+    if (!machine)
+        fault = path + ": " + (bytes ? fault : std::strerror(errno));
     return machine;
 }
 

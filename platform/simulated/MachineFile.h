@@ -7,6 +7,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace orv {
@@ -39,6 +40,10 @@ struct MachineFile {
     std::string profilerOutput;
     std::optional<std::string> watchFile; // absent: no companion
 };
+
+/// Reads the content of a machine file. When it cannot be used, `fault` is one line that names the member and what is
+/// wrong.
+std::optional<MachineFile> parseMachine(std::string_view bytes, std::string& fault);
 
 /// Reads a machine file. When it cannot be used, `fault` is one line that names the file, the member and what is wrong.
 std::optional<MachineFile> readMachineFile(const std::string& path, std::string& fault);

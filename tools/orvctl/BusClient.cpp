@@ -143,7 +143,7 @@ ServiceAnswer askService(Request request)
     const auto path = objectPath(bundleIdentifier);
     const char* method = request == Request::thermal ? thermalMethod : bluetoothMethod;
     Owned<MessageTraits> reply;
-    sd_bus_error error = SD_BUS_ERROR_NULL;
+    sd_bus_error error{};
     const int result = sd_bus_call_method(
         bus.get(), bundleIdentifier, path.c_str(), requestInterface, method, &error, reply.out(), nullptr);
     if (result < 0) {

@@ -66,6 +66,11 @@ std::string padded(std::size_t width, std::string_view text)
     return result;
 }
 
+std::string row(std::string_view text)
+{
+    return cutTo(tableWidth, text) + '\n';
+}
+
 template <typename T> T member(const Dictionary& dictionary, std::string_view key)
 {
     const auto* value = dictionary.find(key);
@@ -101,16 +106,16 @@ std::vector<Reading> readingsOfType(const Dictionary& reply, std::string_view ty
 
 std::string temperatureRow(const Reading& reading)
 {
-    return fmt::format("  {}{}{:>8.1f} °C\n", padded(titleWidth, reading.title), padded(8, reading.code),
-        member<double>(*reading.entry, "value"));
+    return row(fmt::format("  {}{}{:>8.1f} °C", padded(titleWidth, reading.title), padded(8, reading.code),
+        member<double>(*reading.entry, "value")));
 }
 
 std::string fanRow(const Reading& reading)
 {
     const auto& fan = *reading.entry;
-    return fmt::format("  {}{}{:>8} rpm  ({} to {})\n", padded(titleWidth, reading.title), padded(8, reading.code),
+    return row(fmt::format("  {}{}{:>8} rpm  ({} to {})", padded(titleWidth, reading.title), padded(8, reading.code),
         member<std::int64_t>(fan, "value"), member<std::int64_t>(fan, "minvalue"),
-        member<std::int64_t>(fan, "maxvalue"));
+        member<std::int64_t>(fan, "maxvalue")));
 }
 
 bool isLevel(const Member& levelOrOther)
@@ -121,30 +126,30 @@ bool isLevel(const Member& levelOrOther)
 
 std::string deviceRow(const Member& device)
 {
-    auto row = "  " + padded(deviceWidth, printable(device.key));
+    auto text = "  " + padded(deviceWidth, printable(device.key));
     for (const auto& column : levelColumns) {
         const auto* level = device.value.as<Dictionary>()->find(column.key);
-        row += level ? fmt::format("{:>8} %", *level->as<std::int64_t>()) : std::string(10, ' ');
+        text += level ? fmt::format("{:>8} %", *level->as<std::int64_t>()) : std::string(10, ' ');
     }
-    return row.substr(0, row.find_last_not_of(' ') + 1) + '\n';
+    return row(text.substr(0, text.find_last_not_of(' ') + 1));
 }
 
 std::string deviceHeading()
 {
-    auto row = padded(deviceWidth + 2, "Devices");
+    auto text = padded(deviceWidth + 2, "Devices");
     for (const auto& column : levelColumns)
-        row += fmt::format("{:>10}", column.heading);
-    return row;
+        text += fmt::format("{:>10}", column.heading);
+    return text;
 }
 
 std::string otherRow(const Member& entry)
 {
-    auto rows = "  " + cutTo(tableWidth - 2, printable(entry.key)) + '\n';
+    auto rows = row("  " + printable(entry.key));
     const auto* members = entry.value.as<Dictionary>();
     for (const auto& [key, value] : members ? *members : Dictionary()) {
         const auto* text = value.as<std::string>();
         const auto content = printable(text ? *text : writeJSON(value, KeyOrder::sorted));
-        rows += "    " + padded(titleWidth - 2, printable(key)) + cutTo(tableWidth - titleWidth - 2, content) + '\n';
+        rows += row("    " + padded(titleWidth - 2, printable(key)) + content);
     }
     return rows;
 }

@@ -1,0 +1,111 @@
+#include "bluetooth/OrvBluetoothAppleWatch.h"
+
+#include "platform/Bundle.h"
+#include "tests/support/TestMac.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+using namespace orv;
+
+namespace {
+
+const char* watchText = R"({"sysctl": {"hw.model": "Mac14,2", "machdep.cpu.brand_string": "Apple M2"},
+    "watch": {"watch-1": {"batteryLevel": 80, "note": null}}})";
+
+struct WatchReader : testing::Test {
+    TestMac mac{watchText};
+    int launches = 0;
+    bool companionWorks = true;
+    std::shared_ptr<OrvBluetoothAppleWatch> reader;
+
+    WatchReader()
+    {
+        mac.simulation.workspace.onOpen = [this](const std::string&) {
+            ++launches;
+            if (companionWorks)
+                mac.simulation.bundle.runCompanion();
+        };
+        reader = OrvBluetoothAppleWatch::create(mac.simulation.platform);
+    }
+
+    bool hasEntry(const char* key) const { return reader->systemBlueToothDictionary.contains(key); }
+
+    void write(const std::string& content) const
+    {
+        std::ofstream(*reader->watchBatteryFileURL(), std::ios::binary | std::ios::trunc) << content;
+    }
+};
+
+} // namespace
+
+TEST_F(WatchReader, ReadsTheFileFiveSecondsAfterEachLaunch)
+{
+    mac.runLoop.advance(Seconds(4.999));
+    EXPECT_FALSE(hasEntry("watch-1"));
+    EXPECT_TRUE(reader->isUpdating);
+    mac.runLoop.advance(Seconds(0.001));
+    EXPECT_TRUE(hasEntry("watch-1"));
+    EXPECT_EQ(reader->systemBlueToothDictionary.at("watch-1").size(), 2u); // the null is kept here
+    EXPECT_FALSE(reader->isUpdating);
+    mac.runLoop.advance(Seconds(34.999));
+    EXPECT_EQ(launches, 1);
+    mac.runLoop.advance(Seconds(0.001));
+    EXPECT_EQ(launches, 2);
+}
+
+TEST_F(WatchReader, KeepsTheLastEntriesWhenTheFileTurnsBad)
+{
+    mac.runLoop.advance(Seconds(5));
+    companionWorks = false;
+    for (const auto* content : {"", "{", "[]", R"({"a": {}, "b": 5})", R"({"a": {}, "b": null})"}) {
+        write(content);
+        mac.runLoop.advance(Seconds(40));
+        EXPECT_TRUE(hasEntry("watch-1")) << content;
+    }
+    std::filesystem::remove(*reader->watchBatteryFileURL());
+    mac.runLoop.advance(Seconds(40));
+    EXPECT_TRUE(hasEntry("watch-1"));
+    write(R"({"watch-2": {}})");
+    mac.runLoop.advance(Seconds(40));
+    EXPECT_FALSE(hasEntry("watch-1"));
+    EXPECT_TRUE(hasEntry("watch-2"));
+    write("{}");
+    mac.runLoop.advance(Seconds(40));
+    EXPECT_TRUE(reader->systemBlueToothDictionary.empty());
+}
+
+TEST_F(WatchReader, StartsNoCycleWhileTheComputerSleepsAndEndsTheOneUnderWay)
+{
+    mac.simulation.workspace.sleep();
+    mac.runLoop.advance(Seconds(120));
+    EXPECT_EQ(launches, 1);
+    EXPECT_TRUE(hasEntry("watch-1"));
+    mac.simulation.workspace.wake();
+    EXPECT_EQ(launches, 2);
+    mac.simulation.workspace.wake();
+    EXPECT_EQ(launches, 2);
+}
+
+TEST_F(WatchReader, LivesUntilTheCycleUnderWayHasEnded)
+{
+    const std::weak_ptr<OrvBluetoothAppleWatch> watched = reader;
+    reader.reset();
+    EXPECT_FALSE(watched.expired());
+    mac.runLoop.advance(Seconds(5));
+    EXPECT_TRUE(watched.expired());
+}
+
+TEST(WatchReaderWithoutACompanion, ReadsNothing)
+{
+    TestMac mac(intelText(""));
+    int launches = 0;
+    mac.simulation.workspace.onOpen = [&](const std::string&) { ++launches; };
+    const auto reader = OrvBluetoothAppleWatch::create(mac.simulation.platform);
+    mac.runLoop.advance(Seconds(100));
+    EXPECT_EQ(launches, 0);
+    EXPECT_FALSE(reader->isUpdating);
+    EXPECT_TRUE(reader->systemBlueToothDictionary.empty());
+}

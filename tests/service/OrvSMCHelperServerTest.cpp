@@ -1,0 +1,130 @@
+#include "service/OrvSMCHelperServer.h"
+
+#include "bluetooth/OrvBluetoothAppleWatch.h"
+#include "bluetooth/OrvBluetoothSysProfile.h"
+#include "tests/support/TestMac.h"
+#include "thermal/OrvTemperatureFans.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+using namespace orv;
+
+namespace {
+
+const char* watchedMac = R"({"sysctl": {"hw.model": "MacBookPro11,4", "machdep.cpu.brand_string": "Intel"},
+    "smc": [{"key": "TC0P", "type": "sp78", "bytes": ["2800", "2900", "2a00", "2b00", "2c00"]}],
+    "watch": {"watch-1": {"batteryLevel": 80}, "aa-bb": {"batteryLevel": 1}}})";
+const char* report = R"({"SPBluetoothDataType": [{"device_connected": [{"A": {"device_address": "AA:BB",
+    "device_batteryLevelLeft": "5%"}}]}]})";
+
+/// A server with collaborators of its own.
+struct TestServer {
+    explicit TestServer(TestMac& mac)
+        : server(mac.simulation.platform,
+              {[&mac]() -> SMC& { return mac.smc; },
+                  [this]() -> const OrvTemperatureFans& { return profile ? *profile : profile.emplace(); },
+                  [this, &mac]() -> OrvBluetoothSysProfile& {
+                      if (!systemProfile)
+                          systemProfile = OrvBluetoothSysProfile::create(mac.simulation.platform);
+                      return *systemProfile;
+                  },
+                  [this, &mac]() -> OrvBluetoothAppleWatch& {
+                      if (!watch)
+                          watch = OrvBluetoothAppleWatch::create(mac.simulation.platform);
+                      return *watch;
+                  }})
+    {
+    }
+
+    double degrees() const { return std::get<TemperatureEntry>(server.smcData.take()->at("TC0P")).value; }
+
+    std::optional<OrvTemperatureFans> profile;
+    std::shared_ptr<OrvBluetoothSysProfile> systemProfile;
+    std::shared_ptr<OrvBluetoothAppleWatch> watch;
+    OrvSMCHelperServer server;
+};
+
+} // namespace
+
+TEST(Server, RefreshesAtItsCreationAndEvery5Seconds)
+{
+    TestMac mac(watchedMac);
+    const TestServer test(mac);
+    EXPECT_EQ(test.degrees(), 40);
+    mac.runLoop.advance(Seconds(4.999));
+    EXPECT_EQ(test.degrees(), 40);
+    mac.runLoop.advance(Seconds(0.001));
+    EXPECT_EQ(test.degrees(), 41);
+    mac.runLoop.advance(Seconds(10));
+    EXPECT_EQ(test.degrees(), 43);
+}
+
+TEST(Server, PausesDuringSleepAndRefreshesOnEachWake)
+{
+    TestMac mac(watchedMac);
+    const TestServer test(mac);
+    mac.simulation.workspace.sleep();
+    mac.runLoop.advance(Seconds(60));
+    EXPECT_EQ(test.degrees(), 40);
+    mac.simulation.workspace.wake();
+    EXPECT_EQ(test.degrees(), 41);
+    mac.simulation.workspace.wake();
+    EXPECT_EQ(test.degrees(), 42);
+}
+
+TEST(Server, ShowsTheFirstWatchFileInItsRefreshAtFiveSeconds)
+{
+    TestMac mac(watchedMac);
+    const TestServer test(mac);
+    EXPECT_TRUE(test.server.btData.take()->empty());
+    mac.runLoop.advance(Seconds(5));
+    EXPECT_TRUE(test.server.btData.take()->contains("watch-1"));
+}
+
+TEST(Server, KeepsTheProfilersEntryWholeWhereTheWatchFileHasTheSameKey)
+{
+    TestMac mac(watchedMac);
+    const TestServer test(mac);
+    mac.runLoop.runPending();
+    mac.launcher.finish(report);
+    mac.runLoop.advance(Seconds(5));
+    const auto levels = test.server.btData.take();
+    EXPECT_EQ(levels->size(), 2u);
+    EXPECT_EQ(levels->at("aa-bb").find("batteryLevel"), nullptr);
+    EXPECT_NE(levels->at("aa-bb").find("batteryLevelLeft"), nullptr);
+}
+
+TEST(Server, ReplacesOldReadingsByNothingWhenTheSMCGoesAway)
+{
+    TestMac mac(watchedMac);
+    const TestServer test(mac);
+    mac.hardware.isPresent = false;
+    mac.runLoop.advance(Seconds(5));
+    EXPECT_TRUE(test.server.smcData.take()->empty());
+}
+
+TEST(Published, IsTakenWholeWhileItIsReplaced)
+{
+    Published<std::vector<int>> published;
+    std::atomic<bool> isMixed = false;
+    std::atomic<bool> isOver = false;
+    std::vector<std::thread> readers;
+    for (int reader = 0; reader < 3; ++reader) {
+        readers.emplace_back([&] {
+            while (!isOver) {
+                const auto taken = published.take();
+                isMixed = isMixed || !std::ranges::all_of(*taken, [&](int number) { return number == taken->front(); });
+            }
+        });
+    }
+    for (int round = 0; round < 2000; ++round)
+        published.replace(std::vector<int>(50, round));
+    isOver = true;
+    for (auto& reader : readers)
+        reader.join();
+    EXPECT_FALSE(isMixed);
+    EXPECT_EQ(published.take()->front(), 1999);
+}
