@@ -3,7 +3,7 @@
 #include "platform/linux/AttributeText.h"
 #include "smc/FourCharCode.h"
 #include "smc/SMCValueDecoding.h"
-#include "tests/platform/linux/FakeDriver.h"
+#include "tests/support/FakeDriver.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "platform/linux/HostHardware.h"
 
-#include "tests/platform/linux/FakeDriver.h"
+#include "tests/support/FakeDriver.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "tests/platform/linux/FakeDriver.h"
+#include "tests/support/FakeDriver.h"
 
 #include <fcntl.h>
 
