@@ -47,7 +47,8 @@ class PackageTest(ProcessTest):
         self.dpkg("--install", self.package)
 
     def dpkg(self, *arguments):
-        run("dpkg", f"--root={self.root}", "--force-depends", "--force-not-root", f"--log={self.folder}/log", *arguments)
+        run("dpkg", f"--root={self.root}", "--force-depends", "--force-not-root", "--path-include=*",
+            f"--log={self.folder}/log", *arguments)
 
     def installed(self):
         return {path for path in files_in(self.root) if not path.startswith("/var/lib/dpkg/")}
