@@ -1,5 +1,7 @@
 #include "platform/simulated/SimulatedBundle.h"
 
+#include <unistd.h> // mkdtemp, on macOS
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
