@@ -86,10 +86,14 @@ std::unique_ptr<SMCKeySource> AppleSMCDriver::findSource()
     return SensorFiles::macsmc(calls, root + "/sys/class/hwmon");
 }
 
+// A value is asked for right after its key's info.
 std::optional<std::size_t> AppleSMCDriver::position(std::uint32_t key)
 {
+    if (lastFound && source->keys()[*lastFound].name == key)
+        return lastFound;
     const auto found = positions.find(key);
-    return found == positions.end() ? std::nullopt : std::optional(found->second);
+    lastFound = found == positions.end() ? std::nullopt : std::optional(found->second);
+    return lastFound;
 }
 
 void AppleSMCDriver::lookForSource()

@@ -35,6 +35,7 @@ private:
     bool hasLooked = false;
     std::unique_ptr<SMCKeySource> source;
     std::unordered_map<std::uint32_t, std::size_t> positions;
+    std::optional<std::size_t> lastFound;
 };
 
 } // namespace orv
