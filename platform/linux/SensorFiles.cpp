@@ -78,15 +78,7 @@ std::unique_ptr<SensorFiles> SensorFiles::macsmc(SMCAttributes& calls, const std
         std::unique_ptr<SensorFiles> source(new SensorFiles(calls, hwmonFolder + "/hwmon" + std::to_string(device)));
         if (!source->text("name").starts_with("macsmc"))
             continue;
-        for (int number = 1; number <= mostTemperatures; ++number) {
-            const auto stem = "temp" + std::to_string(number);
-            const auto known =
-                std::ranges::find(macsmcTemperatures, source->text(stem + "_label"), &LabelledKey::label);
-            if (known != macsmcTemperatures.end())
-                source->add(fourCharCode(known->key), Form::temperatureFloat, stem + "_input");
-        }
-        for (int number = 1; number <= mostFans; ++number)
-            source->addMacsmcFan(number);
+        source->addMacsmcSensors();
         if (!source->listedKeys.empty())
             return source;
     }

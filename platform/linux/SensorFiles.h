@@ -31,6 +31,7 @@ private:
 
     void add(std::uint32_t name, Form form, const std::string& file);
     void addFan(std::size_t fan, int number, Form form);
+    void addMacsmcSensors();
     void addMacsmcFan(int number);
     std::string text(const std::string& file) const;
     bool exists(const std::string& file) const;
