@@ -66,7 +66,10 @@ std::string padded(std::size_t width, std::string_view text)
     return result;
 }
 
-std::string row(std::string_view text) { return cutTo(tableWidth, text) + '\n'; }
+std::string row(std::string_view text)
+{
+    return cutTo(tableWidth, text) + '\n';
+}
 
 template <typename T> T member(const Dictionary& dictionary, std::string_view key)
 {
