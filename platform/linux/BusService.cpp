@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstring>
 #include <future>
+#include <new>
 #include <utility>
 
 namespace orv {
@@ -25,14 +26,24 @@ struct MessageTraits {
 
 using Message = Owned<MessageTraits>;
 
+// False when memory is short or the message cannot hold the reply.
+template <typename WriteReply> bool isBuilt(sd_bus_message* message, WriteReply writeReply)
+{
+    try {
+        BusMessageSink sink(message);
+        writeReply(sink);
+        return sink.isComplete();
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
+
 template <typename WriteReply> int reply(sd_bus_message* call, WriteReply writeReply)
 {
     Message message;
     if (const int result = sd_bus_message_new_method_return(call, message.out()); result < 0)
         return result;
-    BusMessageSink sink(message.get());
-    writeReply(sink);
-    if (sink.isComplete())
+    if (isBuilt(message.get(), writeReply))
         return sd_bus_message_send(message.get());
     return sd_bus_reply_method_return(call, "a{sa{sv}}", 0); // what cannot be built is the empty dictionary
 }

@@ -4,6 +4,9 @@
 #include <time.h>
 
 #include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -29,6 +32,18 @@ void check(int result, const char* what)
 {
     if (result < 0)
         throw std::system_error(-result, std::generic_category(), what);
+}
+
+// No exception may cross sd-event's frames or leave a thread. What arrives here is a shortage, of memory or
+// descriptors.
+template <typename Work> void guarded(Work&& work)
+{
+    try {
+        work();
+    } catch (const std::exception& shortage) {
+        std::fprintf(stderr, "orv-smc-helper: cannot go on: %s\n", shortage.what());
+        std::_Exit(1);
+    }
 }
 
 } // namespace
@@ -95,7 +110,7 @@ void EventRunLoop::postToBackground(std::function<void()> run)
         ++backgroundWork;
     }
     auto work = [this, run = std::move(run)]() mutable {
-        run();
+        guarded(run);
         run = nullptr; // what it holds goes before the end is told
         endBackgroundWork();
     };
@@ -124,7 +139,7 @@ void EventRunLoop::exit(int status)
 int EventRunLoop::timeReached(sd_event_source*, std::uint64_t, void* loop)
 {
     auto& self = *static_cast<EventRunLoop*>(loop);
-    self.timers.runDue(monotonicTime());
+    guarded([&] { self.timers.runDue(monotonicTime()); });
     self.armTimeSource();
     return 0;
 }
@@ -140,7 +155,7 @@ int EventRunLoop::postArrived(sd_event_source*, int, std::uint32_t, void* loop)
         arrived = std::exchange(self.posted, {});
     }
     for (const auto& run : arrived)
-        run();
+        guarded(run);
     return 0;
 }
 

@@ -13,12 +13,12 @@ constexpr const char* systemProfiler = "/usr/sbin/system_profiler";
 
 } // namespace
 
-std::map<std::string, LaunchedProgram> hostProfiler()
+std::map<std::string, LaunchedProgram> hostProfilerProgram()
 {
     return {{systemProfiler, {helperProgram("system_profiler"), {}}}};
 }
 
-std::map<std::string, LaunchedProgram> simulatedProfiler(const std::string& machinePath)
+std::map<std::string, LaunchedProgram> simulatedProfilerProgram(const std::string& machinePath)
 {
     auto variable = std::string(profilerMachineVariable) + "=" + std::filesystem::absolute(machinePath).string();
     return {{systemProfiler, {helperProgram("system_profiler"), {std::move(variable)}}}};

@@ -8,9 +8,9 @@
 namespace orv {
 
 /// What runs for the system profiler's path on this machine.
-std::map<std::string, LaunchedProgram> hostProfiler();
+std::map<std::string, LaunchedProgram> hostProfilerProgram();
 
 /// What runs for it on the simulated Mac of a machine file.
-std::map<std::string, LaunchedProgram> simulatedProfiler(const std::string& machinePath);
+std::map<std::string, LaunchedProgram> simulatedProfilerProgram(const std::string& machinePath);
 
 } // namespace orv

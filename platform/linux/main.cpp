@@ -72,7 +72,7 @@ int serveSimulated(const std::string& path)
         return 2;
     }
     blockTermination();
-    SpawnLauncher launcher(simulatedProfiler(path));
+    SpawnLauncher launcher(simulatedProfilerProgram(path));
     EventRunLoop runLoop;
     SimulatedPlatform simulation(*machine, bundleIdentifier, runLoop, launcher);
     return serve(runLoop, launcher, simulation.platform, &simulation);
@@ -81,7 +81,7 @@ int serveSimulated(const std::string& path)
 int serveHost()
 {
     const char* root = std::getenv("ORV_ROOT");
-    SpawnLauncher launcher(hostProfiler());
+    SpawnLauncher launcher(hostProfilerProgram());
     EventRunLoop runLoop;
     HostPlatform host(root ? root : "", bundleIdentifier, runLoop, launcher);
     return serve(runLoop, launcher, host.platform, nullptr);

@@ -1,10 +1,11 @@
 #include "platform/simulated/SimulatedBundle.h"
 
+#include <unistd.h> // mkdtemp, on macOS
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <system_error>
 #include <utility>
 
@@ -24,6 +25,15 @@ std::string temporaryFolder()
     if (!mkdtemp(path.data()))
         throw std::system_error(errno, std::generic_category(), "cannot create the folder " + path);
     return path;
+}
+
+bool writeFile(const std::string& path, const std::string& content)
+{
+    auto* const file = std::fopen(path.c_str(), "wb");
+    if (!file)
+        return false;
+    const bool isWritten = std::fwrite(content.data(), 1, content.size(), file) == content.size();
+    return std::fclose(file) == 0 && isWritten;
 }
 
 } // namespace
@@ -62,13 +72,8 @@ void SimulatedBundle::runCompanion() const
         return;
     const auto path = watchFolder(container) + "/applewatchbt.json";
     const auto unfinished = path + ".new";
-    {
-        std::ofstream file(unfinished, std::ios::binary | std::ios::trunc);
-        file << *watchFile;
-        if (!file.flush())
-            return;
-    }
-    std::rename(unfinished.c_str(), path.c_str());
+    if (writeFile(unfinished, *watchFile))
+        std::rename(unfinished.c_str(), path.c_str());
 }
 
 void SimulatedBundle::removeContainer() const

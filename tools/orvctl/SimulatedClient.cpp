@@ -2,12 +2,12 @@
 
 #include "bluetooth/OrvBluetoothAppleWatch.h"
 #include "bluetooth/OrvBluetoothSysProfile.h"
-#include "platform/linux/ProfilerProgram.h"
 #include "platform/simulated/ManualRunLoop.h"
 #include "platform/simulated/SimulatedPlatform.h"
 #include "service/Replies.h"
 #include "smc/SMC.h"
 #include "thermal/Collection.h"
+#include "tools/orvctl/SimulatedProfiler.h"
 
 #include <utility>
 
@@ -35,8 +35,8 @@ ServiceAnswer askSimulatedMac(Request request, const std::string& machinePath)
     if (!machine)
         return {std::nullopt, fault};
     ManualRunLoop runLoop;
-    SpawnLauncher launcher(simulatedProfiler(machinePath));
-    SimulatedPlatform simulation(*machine, "", runLoop, launcher);
+    const auto profiler = simulatedProfiler(*machine, machinePath);
+    SimulatedPlatform simulation(*machine, "", runLoop, *profiler);
     ValueSink sink;
     if (request == Request::thermal) {
         SMC smc;

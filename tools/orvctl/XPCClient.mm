@@ -12,7 +12,7 @@ namespace orv {
 
 namespace {
 
-constexpr std::chrono::seconds patience {10};
+constexpr std::chrono::seconds patience{10};
 constexpr const char* bundleIdentifier = ORV_BUNDLE_IDENTIFIER;
 
 /// Takes the first of the answers that a connection's handlers offer. They may still offer one when nobody waits.
@@ -39,7 +39,7 @@ ServiceAnswer failure(const std::string& reason)
 ServiceAnswer received(NSDictionary* reply)
 {
     auto value = valueOfObject(reply);
-    return value ? ServiceAnswer {std::move(value), {}} : failure("its reply cannot be read");
+    return value ? ServiceAnswer{std::move(value), {}} : failure("its reply cannot be read");
 }
 
 NSXPCConnection* openConnection()
@@ -54,12 +54,9 @@ NSXPCConnection* openConnection()
 void send(Request request, NSXPCConnection* connection, const std::shared_ptr<Mailbox>& given)
 {
     const auto mailbox = given; // a block would capture the reference
-    const auto takeReply = ^(NSDictionary* reply) {
-        mailbox->offer(received(reply));
-    };
-    id<OrvXPCRequestData> service = [connection remoteObjectProxyWithErrorHandler:^(NSError* error) {
-        mailbox->offer(failure(coreText(error.localizedDescription)));
-    }];
+    const auto takeReply = ^(NSDictionary* reply) { mailbox->offer(received(reply)); };
+    const auto takeError = ^(NSError* error) { mailbox->offer(failure(coreText(error.localizedDescription))); };
+    id<OrvXPCRequestData> service = [connection remoteObjectProxyWithErrorHandler:takeError];
     if (request == Request::thermal)
         [service getModelDatawithReply:takeReply];
     else
