@@ -2,11 +2,18 @@
 
 #include "platform/FileDescriptor.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
 
 namespace orv {
+
+namespace {
+
+constexpr std::size_t smallestRead = 4096;
+
+} // namespace
 
 std::optional<std::string> readFile(const std::string& path, std::size_t limit)
 {
@@ -30,9 +37,10 @@ std::optional<std::string> readFile(const std::string& path, std::size_t limit)
             errno = EFBIG;
             return std::nullopt;
         }
-        // One byte more than announced lets the end be seen without another allocation.
+        // One byte more than announced lets the end be seen without another allocation. A file of the kernel's own
+        // announces nothing and is mostly small.
         const auto filled = content.size();
-        content.resize(filled + (filled < announced ? announced - filled + 1 : 65536));
+        content.resize(filled + (filled < announced ? announced - filled + 1 : std::max(filled, smallestRead)));
         const auto count = ::read(file.get(), content.data() + filled, content.size() - filled);
         content.resize(filled + static_cast<std::size_t>(count < 0 ? 0 : count));
         if (count == 0)

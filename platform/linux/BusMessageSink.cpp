@@ -1,7 +1,5 @@
 #include "platform/linux/BusMessageSink.h"
 
-#include <string>
-
 namespace orv {
 
 void BusMessageSink::beginDictionary()
@@ -21,9 +19,7 @@ void BusMessageSink::beginDictionary()
 void BusMessageSink::key(std::string_view key)
 {
     open('e', containers.back() == Container::reply ? "sa{sv}" : "sv");
-    const std::string terminated(key);
-    if (error >= 0)
-        error = sd_bus_message_append_basic(message, 's', terminated.c_str());
+    appendText(key);
 }
 
 void BusMessageSink::endDictionary()
@@ -53,8 +49,9 @@ void BusMessageSink::endArray()
 
 void BusMessageSink::text(std::string_view text)
 {
-    const std::string terminated(text);
-    appendBasic('s', "s", terminated.c_str());
+    openVariant("s");
+    appendText(text);
+    closeVariant();
 }
 
 void BusMessageSink::real(double number)
@@ -101,6 +98,16 @@ void BusMessageSink::closeVariant()
     close();
     if (containers.back() != Container::array)
         close();
+}
+
+// Copied to where it belongs: a basic value would have to end with a NUL, which texts of ours need not.
+void BusMessageSink::appendText(std::string_view text)
+{
+    char* space = nullptr;
+    if (error >= 0)
+        error = sd_bus_message_append_string_space(message, text.size(), &space);
+    if (error >= 0)
+        text.copy(space, text.size());
 }
 
 void BusMessageSink::appendBasic(char type, const char* contents, const void* value)

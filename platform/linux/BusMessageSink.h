@@ -37,6 +37,7 @@ private:
     void close();
     void openVariant(const char* contents);
     void closeVariant();
+    void appendText(std::string_view text);
     void appendBasic(char type, const char* contents, const void* value);
 
     sd_bus_message* message;

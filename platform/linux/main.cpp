@@ -1,4 +1,3 @@
-#include "platform/CommandLine.h"
 #include "platform/linux/BusService.h"
 #include "platform/linux/EventRunLoop.h"
 #include "platform/linux/HostPlatform.h"
@@ -8,6 +7,7 @@
 #include "platform/simulated/SimulatedPlatform.h"
 #include "service/OrvSMCHelperServer.h"
 
+#include <getopt.h>
 #include <signal.h>
 
 #include <cstdio>
@@ -87,20 +87,56 @@ int serveHost()
     return serve(runLoop, launcher, host.platform, nullptr);
 }
 
+constexpr const char* help =
+    R"(Serves this computer's temperatures, fans and Bluetooth battery levels on the session bus.
+Usage: orv-smc-helper [OPTIONS]
+
+Options:
+  -h,--help                   Print this help message and exit
+  --version                   Display program version information and exit
+  --simulate FILE             Serve the Mac that a machine file describes instead
+)";
+
+struct CommandLine {
+    const char* machinePath = nullptr;
+    std::optional<int> status; // when there is nothing more to do
+};
+
+int printed(const char* text)
+{
+    return std::fputs(text, stdout) >= 0 && std::fflush(stdout) == 0 ? 0 : 1;
+}
+
+// By getopt, which the C library has anyway: a library for command lines would take a third of this program's memory.
+CommandLine parseCommandLine(int argumentCount, char** arguments)
+{
+    const option options[]{{"help", no_argument, nullptr, 'h'}, {"version", no_argument, nullptr, 'v'},
+        {"simulate", required_argument, nullptr, 's'}, {}};
+    CommandLine commandLine;
+    for (int found = 0; (found = getopt_long(argumentCount, arguments, "h", options, nullptr)) != -1;) {
+        if (found == 'h')
+            return {.status = printed(help)};
+        if (found == 'v')
+            return {.status = printed("orv-smc-helper " ORV_VERSION "\n")};
+        if (found != 's')
+            return {.status = 2}; // getopt has said why
+        commandLine.machinePath = optarg;
+    }
+    if (optind == argumentCount)
+        return commandLine;
+    std::fprintf(stderr, "orv-smc-helper: unexpected argument: %s\n", arguments[optind]);
+    return {.status = 2};
+}
+
 } // namespace
 
 int main(int argumentCount, char** arguments)
 {
-    std::optional<std::string> machinePath;
-    CLI::App application(
-        "Serves this computer's temperatures, fans and Bluetooth battery levels on the session bus.", "orv-smc-helper");
-    application.set_version_flag("--version", "orv-smc-helper " ORV_VERSION);
-    application.add_option("--simulate", machinePath, "Serve the Mac that a machine file describes instead")
-        ->type_name("FILE");
-    if (const auto status = parseCommandLine(application, argumentCount, arguments))
-        return *status;
+    const auto commandLine = parseCommandLine(argumentCount, arguments);
+    if (commandLine.status)
+        return *commandLine.status;
     try {
-        return machinePath ? serveSimulated(*machinePath) : serveHost();
+        return commandLine.machinePath ? serveSimulated(commandLine.machinePath) : serveHost();
     } catch (const std::exception& error) {
         std::fprintf(stderr, "orv-smc-helper: %s\n", error.what());
         return 1;

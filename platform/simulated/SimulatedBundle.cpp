@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <system_error>
 #include <utility>
 
@@ -29,16 +28,20 @@ std::optional<std::string> temporaryContainer()
     return path;
 }
 
+bool writeFile(const std::string& path, const std::string& content)
+{
+    auto* const file = std::fopen(path.c_str(), "wb");
+    if (!file)
+        return false;
+    const bool isWritten = std::fwrite(content.data(), 1, content.size(), file) == content.size();
+    return std::fclose(file) == 0 && isWritten;
+}
+
 void replaceFile(const std::string& path, const std::string& content)
 {
     const auto unfinished = path + ".new";
-    {
-        std::ofstream file(unfinished, std::ios::binary | std::ios::trunc);
-        file << content;
-        if (!file.flush())
-            return;
-    }
-    std::rename(unfinished.c_str(), path.c_str());
+    if (writeFile(unfinished, content))
+        std::rename(unfinished.c_str(), path.c_str());
 }
 
 } // namespace

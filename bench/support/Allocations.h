@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstddef>
+
+namespace orv {
+
+/// What operator new gave out so far, in the whole program.
+std::size_t allocationCount();
+
+/// The bytes that are given out at this moment, and the most that were since the last reset.
+std::size_t allocatedBytes();
+std::size_t peakOfAllocatedBytes();
+void resetPeakOfAllocatedBytes();
+
+} // namespace orv

@@ -1,0 +1,70 @@
+#include "bench/support/CatalogueMac.h"
+
+#include "platform/json/JSONWriter.h"
+#include "thermal/Orv_SMCProfileKeys.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <set>
+#include <string_view>
+#include <utility>
+
+namespace orv {
+
+namespace {
+
+Value row(std::string key, const char* type, Value bytes)
+{
+    return Dictionary({{"key", std::move(key)}, {"type", std::string(type)}, {"bytes", std::move(bytes)}});
+}
+
+Array steps()
+{
+    Array texts;
+    for (const char digit : std::string_view("3456"))
+        texts.push_back(std::string{digit, '0', '0', '0'});
+    return texts;
+}
+
+void addTemperatures(Array& rows, std::size_t count, bool stepping)
+{
+    std::set<std::string_view> titles;
+    for (const auto& sensor : Orv_SMCProfileKeys::intelSensorKeys.rows) {
+        if (titles.size() == count || std::string_view(sensor.key).size() != 4 || !titles.insert(sensor.name).second)
+            continue;
+        rows.push_back(row(std::string(sensor.key), "sp78", stepping ? Value(steps()) : Value(std::string("2f80"))));
+    }
+}
+
+void addFans(Array& rows, std::size_t count)
+{
+    for (std::size_t index = 0; index < count; ++index) {
+        for (const auto& [suffix, bytes] : {std::pair{"Ac", "12c0"}, {"Mn", "0fa0"}, {"Mx", "4e20"}})
+            rows.push_back(row(std::string{'F', static_cast<char>('0' + index)} + suffix, "fpe2", std::string(bytes)));
+    }
+}
+
+void addOtherKeys(Array& rows, std::size_t count)
+{
+    for (std::size_t index = 0; index < count; ++index) {
+        char key[8];
+        std::snprintf(key, sizeof(key), "X%03x", static_cast<unsigned>(index & 0xFFF));
+        rows.push_back(row(key, "ui8 ", std::string("01")));
+    }
+}
+
+} // namespace
+
+std::string CatalogueMac::text() const
+{
+    Array rows;
+    addOtherKeys(rows, otherKeys);
+    addTemperatures(rows, temperatures, stepping);
+    addFans(rows, fans);
+    const Dictionary systemValues(
+        {{"hw.model", std::string("iMac18,3")}, {"machdep.cpu.brand_string", std::string("Intel(R) Core(TM) i5")}});
+    const Dictionary machine({{"sysctl", systemValues}, {"exchangeDelay", exchangeDelay}, {"smc", std::move(rows)}});
+    return writeJSON(machine, KeyOrder::asListed);
+}
+
+} // namespace orv
