@@ -8,7 +8,7 @@ namespace orv {
 /// A broken precondition: one line on standard error, then abort.
 [[noreturn]] inline void fatalError(const char* message)
 {
-    std::fprintf(stderr, "orv-smc-helper: fatal error: %s\n", message);
+    std::fprintf(stderr, "orv: fatal error: %s\n", message);
     std::abort();
 }
 

@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <exception>
@@ -49,15 +50,11 @@ public:
     }
     bool end_object() override
     {
+        if (refusesEqualKeys && repeatsAKey())
+            return false;
         std::vector<Member> members(
             std::make_move_iterator(pending.begin() + starts.back()), std::make_move_iterator(pending.end()));
-        const auto listed = members.size();
-        Dictionary dictionary(std::move(members));
-        if (refusesEqualKeys && dictionary.size() != listed) {
-            fault = "a key occurs twice in one object";
-            return false;
-        }
-        return end(std::move(dictionary));
+        return end(Dictionary(std::move(members)));
     }
 
     bool start_array(std::size_t) override { return begin(); }
@@ -110,6 +107,33 @@ private:
             return add(std::move(container));
         finished = std::move(container);
         return true;
+    }
+
+    bool repeatsAKey()
+    {
+        std::vector<std::string_view> names;
+        for (auto member = pending.begin() + starts.back(); member != pending.end(); ++member)
+            names.push_back(member->key);
+        std::ranges::sort(names);
+        const auto repeated = std::ranges::adjacent_find(names);
+        if (repeated == names.end())
+            return false;
+        const auto path = pathOfOpenContainer();
+        fault = path + (path.empty() ? "" : ".") + std::string(*repeated) + ": the key occurs twice";
+        return true;
+    }
+
+    // An array's members have no keys, only places.
+    std::string pathOfOpenContainer() const
+    {
+        std::string path;
+        for (std::size_t level = 0; level + 1 < starts.size(); ++level) {
+            if (keys[level].empty())
+                path += "[" + std::to_string(starts[level + 1] - starts[level]) + "]";
+            else
+                path += (path.empty() ? "" : ".") + keys[level];
+        }
+        return path;
     }
 
     const bool refusesEqualKeys;

@@ -140,6 +140,7 @@ int EventRunLoop::timeReached(sd_event_source*, std::uint64_t, void* loop)
 {
     auto& self = *static_cast<EventRunLoop*>(loop);
     guarded([&] { self.timers.runDue(monotonicTime()); });
+    self.freeMemory.giveBack();
     self.armTimeSource();
     return 0;
 }

@@ -3,6 +3,7 @@
 #include "platform/FileDescriptor.h"
 #include "platform/RunLoop.h"
 #include "platform/TimerQueue.h"
+#include "platform/linux/FreeMemory.h"
 
 #include <systemd/sd-event.h>
 
@@ -60,6 +61,7 @@ private:
     Owned<SourceTraits> timeSource;
     Owned<SourceTraits> postSource;
     TimerQueue timers;
+    FreeMemory freeMemory;
 
     std::mutex mutex;
     std::vector<std::function<void()>> posted;

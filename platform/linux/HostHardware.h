@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/hardware/Hardware.h"
+#include "platform/linux/AppleSMCDriver.h"
 
 #include <map>
 #include <string>
@@ -10,15 +11,16 @@ namespace orv {
 /// The Linux machine that the program runs on. Files are looked up below `root`, which is empty outside tests.
 class HostHardware final : public Hardware {
 public:
-    explicit HostHardware(const std::string& root);
+    HostHardware(const std::string& root, SMCAttributes& attributes);
 
-    bool hasSMC() override { return false; }
-    SMCOutcome keyInfo(std::uint32_t, KeyInfo&) override { return SMCOutcome::failed(); }
-    SMCOutcome readBytes(std::uint32_t, Bytes&) override { return SMCOutcome::failed(); }
-    SMCOutcome keyAtIndex(std::uint32_t, std::uint32_t&) override { return SMCOutcome::failed(); }
+    bool hasSMC() override { return driver.hasSMC(); }
+    SMCOutcome keyInfo(std::uint32_t key, KeyInfo& info) override { return driver.keyInfo(key, info); }
+    SMCOutcome readBytes(std::uint32_t key, Bytes& bytes) override { return driver.readBytes(key, bytes); }
+    SMCOutcome keyAtIndex(std::uint32_t index, std::uint32_t& key) override { return driver.keyAtIndex(index, key); }
     std::optional<std::string> systemValue(const std::string& name) override;
 
 private:
+    AppleSMCDriver driver;
     std::map<std::string, std::string> systemValues;
 };
 

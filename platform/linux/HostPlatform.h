@@ -5,11 +5,17 @@
 #include "platform/linux/BluezEvents.h"
 #include "platform/linux/HostHardware.h"
 #include "platform/linux/LoginWorkspace.h"
+#include "platform/linux/SystemBus.h"
 #include "platform/linux/XdgBundle.h"
 
+#include <memory>
 #include <string>
 
 namespace orv {
+
+class EventRunLoop;
+class SpawnLauncher;
+class Timer;
 
 /// Linux has no HID temperature services: no machine that it runs on is asked for them in vain.
 class NoHIDEventSystem final : public HIDEventSystem {
@@ -18,24 +24,28 @@ public:
 };
 
 /// The machine that the program runs on, with everything around it except the run loop and the launcher.
-struct HostPlatform {
-    /// Puts the machine behind the IOKit and sysctl calls.
+class HostPlatform {
+public:
+    /// Puts the machine behind the IOKit and sysctl calls. Its /sys and /proc are looked up below `root`.
     HostPlatform(
-        const std::string& root, const std::string& identifier, RunLoop& runLoop, ProcessLauncher& processLauncher)
-        : hardware(root)
-        , bundle(identifier)
-        , platform{runLoop, workspace, bluetoothEvents, processLauncher, bundle, hidEventSystem}
-    {
-        setHardware(hardware);
-    }
+        const std::string& root, const std::string& identifier, EventRunLoop& runLoop, SpawnLauncher& launcher);
+    ~HostPlatform();
     HostPlatform(const HostPlatform&) = delete;
     HostPlatform& operator=(const HostPlatform&) = delete;
 
+private:
+    void tick();
+
+    SysfsAttributes attributes;
     HostHardware hardware;
+    SystemBus systemBus;
     LoginWorkspace workspace;
     BluezEvents bluetoothEvents;
     XdgBundle bundle;
     NoHIDEventSystem hidEventSystem;
+    std::unique_ptr<Timer> ticks;
+
+public:
     const Platform platform;
 };
 

@@ -138,6 +138,14 @@ void SpawnLauncher::start(
         onExit(content(output.get()));
 }
 
+void SpawnLauncher::run(const std::string& path)
+{
+    const FileDescriptor output(::open("/dev/null", O_WRONLY | O_CLOEXEC));
+    const auto child = output ? spawn({path, {}}, {}, output.get()) : std::nullopt;
+    if (child)
+        waitForExit(*child, stopping.get());
+}
+
 void SpawnLauncher::stop()
 {
     eventfd_write(stopping.get(), 1);

@@ -26,6 +26,9 @@ public:
     void start(const std::string& path, const std::vector<std::string>& arguments,
         std::function<void(std::string output)> onExit) override;
 
+    /// Runs a program without arguments whose output nobody wants. Returns when it has exited, or cannot be started.
+    void run(const std::string& path);
+
     /// Kills the children that run and starts no more: those waiting in `start` return without calling onExit.
     void stop();
 

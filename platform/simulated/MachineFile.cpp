@@ -23,6 +23,15 @@ constexpr std::size_t largestReading = 32;
 constexpr double longestExchangeDelay = 60'000;
 constexpr std::string_view emptyReport = R"({"SPBluetoothDataType": []})";
 
+// A fault is one line whatever the file holds.
+std::string printable(std::string_view text)
+{
+    std::string result;
+    for (const char character : text.substr(0, 100))
+        result += character >= ' ' && character <= '~' ? character : '?';
+    return result;
+}
+
 /// Checks and converts one file's members. The first fault is kept, with the path of its member; what is returned after
 /// a fault does not matter.
 class MachineReader {
@@ -69,15 +78,6 @@ private:
             if (std::ranges::find(known, key) == known.end())
                 refuse(path + printable(key), "unknown member");
         }
-    }
-
-    // A fault is one line whatever the file holds.
-    static std::string printable(std::string_view text)
-    {
-        std::string result;
-        for (const char character : text.substr(0, 40))
-            result += character >= ' ' && character <= '~' ? character : '?';
-        return result;
     }
 
     static std::string verbatim(const Value& value)
@@ -282,8 +282,10 @@ private:
 std::optional<MachineFile> parseMachine(std::string_view bytes, std::string& fault)
 {
     const auto document = parseStrictJSON(bytes, fault);
-    if (!document)
+    if (!document) {
+        fault = printable(fault);
         return std::nullopt;
+    }
     MachineReader reader;
     auto machine = reader.read(*document);
     fault = reader.fault;

@@ -2,7 +2,6 @@
 
 #include <unistd.h> // mkdtemp, on macOS
 
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -18,12 +17,14 @@ std::string watchFolder(const std::string& container)
     return container + "/Library/Application Support";
 }
 
-std::string temporaryFolder()
+std::optional<std::string> temporaryContainer()
 {
     const char* parent = std::getenv("TMPDIR");
     auto path = std::string(parent && *parent ? parent : "/tmp") + "/orv-smc-helper-XXXXXX";
     if (!mkdtemp(path.data()))
-        throw std::system_error(errno, std::generic_category(), "cannot create the folder " + path);
+        return std::nullopt;
+    std::error_code error;
+    std::filesystem::create_directories(watchFolder(path), error);
     return path;
 }
 
@@ -36,17 +37,19 @@ bool writeFile(const std::string& path, const std::string& content)
     return std::fclose(file) == 0 && isWritten;
 }
 
+void replaceFile(const std::string& path, const std::string& content)
+{
+    const auto unfinished = path + ".new";
+    if (writeFile(unfinished, content))
+        std::rename(unfinished.c_str(), path.c_str());
+}
+
 } // namespace
 
 SimulatedBundle::SimulatedBundle(std::string givenIdentifier, std::optional<std::string> givenWatchFile)
     : bundleIdentifier(std::move(givenIdentifier))
     , watchFile(std::move(givenWatchFile))
 {
-    if (!watchFile)
-        return;
-    container = temporaryFolder();
-    std::error_code error;
-    std::filesystem::create_directories(watchFolder(container), error);
 }
 
 SimulatedBundle::~SimulatedBundle()
@@ -58,29 +61,34 @@ std::vector<std::string> SimulatedBundle::resources(const std::string& extension
 {
     if (!watchFile || extension != "app")
         return {};
-    return {container + "/Companion.app"};
+    return {"Companion.app"};
 }
 
 std::optional<std::string> SimulatedBundle::groupContainer(const std::string&) const
 {
-    return watchFile ? std::optional(container) : std::nullopt;
+    const std::lock_guard lock(mutex);
+    return container;
 }
 
-void SimulatedBundle::runCompanion() const
+void SimulatedBundle::runCompanion()
 {
-    if (!watchFile)
+    const std::lock_guard lock(mutex);
+    if (!watchFile || isRemoved)
         return;
-    const auto path = watchFolder(container) + "/applewatchbt.json";
-    const auto unfinished = path + ".new";
-    if (writeFile(unfinished, *watchFile))
-        std::rename(unfinished.c_str(), path.c_str());
+    if (!container)
+        container = temporaryContainer();
+    if (container)
+        replaceFile(watchFolder(*container) + "/applewatchbt.json", *watchFile);
 }
 
-void SimulatedBundle::removeContainer() const
+void SimulatedBundle::removeContainer()
 {
+    const std::lock_guard lock(mutex);
+    isRemoved = true;
     std::error_code error;
-    if (!container.empty())
-        std::filesystem::remove_all(container, error);
+    if (container)
+        std::filesystem::remove_all(*container, error);
+    container.reset();
 }
 
 } // namespace orv

@@ -2,6 +2,7 @@
 
 #include "platform/Bundle.h"
 
+#include <mutex>
 #include <optional>
 #include <string>
 
@@ -10,7 +11,6 @@ namespace orv {
 /// A bundle with a temporary group container and, when there is a watch file to write, a companion that writes it.
 class SimulatedBundle final : public Bundle {
 public:
-    /// Creates the container only for a companion; throws std::system_error when that fails.
     SimulatedBundle(std::string bundleIdentifier, std::optional<std::string> watchFile);
     /// Removes the container.
     ~SimulatedBundle() override;
@@ -22,14 +22,17 @@ public:
     std::optional<std::string> groupContainer(const std::string& applicationGroup) const override;
 
     /// What the companion does when it is opened: writes its file in one step, or leaves it as it is.
-    void runCompanion() const;
-    /// May be called from any thread, at the end of the process.
-    void removeContainer() const;
+    void runCompanion();
+    /// Removes the container, which the companion's first run creates. Any thread; no companion runs afterwards.
+    void removeContainer();
 
 private:
     const std::string bundleIdentifier;
     const std::optional<std::string> watchFile;
-    std::string container; // a path; empty without a companion
+
+    mutable std::mutex mutex;
+    std::optional<std::string> container; // a path
+    bool isRemoved = false;
 };
 
 } // namespace orv

@@ -18,8 +18,10 @@ TEST(JSONReader, FollowsTheTableOfCases)
 TEST(JSONReader, RefusesEqualKeysInAFileOfAPerson)
 {
     std::string fault;
-    EXPECT_FALSE(parseStrictJSON(R"({"a": {"b": 1, "b": 1}})", fault));
-    EXPECT_EQ(fault, "a key occurs twice in one object");
+    EXPECT_FALSE(parseStrictJSON(R"({"z": [], "a": [0, {"b": 1, "c": 2, "b": 1}]})", fault));
+    EXPECT_EQ(fault, "a[1].b: the key occurs twice");
+    EXPECT_FALSE(parseStrictJSON(R"({"a": {}, "a": {}})", fault));
+    EXPECT_EQ(fault, "a: the key occurs twice");
     EXPECT_FALSE(parseStrictJSON("5", fault));
     EXPECT_EQ(fault, "neither an object nor an array");
     EXPECT_FALSE(parseStrictJSON("{\"a\": 1,\n}", fault));

@@ -103,7 +103,7 @@ TEST(SMCDeathTest, StopsAtABrokenPrecondition)
 {
     TestMac mac(intelText(R"({"key": "#KEY", "type": "flt ", "bytes": "0000c07f"})"));
     mac.smc.open();
-    EXPECT_DEATH(mac.smc.getValue("TC0"), "^orv-smc-helper: fatal error: an SMC key has four characters\n$");
+    EXPECT_DEATH(mac.smc.getValue("TC0"), "^orv: fatal error: an SMC key has four characters\n$");
     EXPECT_DEATH(mac.smc.getValue("TC10C"), "four characters");
     EXPECT_DEATH(mac.smc.getAllKeys(), "not a count");
     for (const auto* count : {"0000807f", "000080bf", "0000805f"}) { // infinite, -1, 2^64

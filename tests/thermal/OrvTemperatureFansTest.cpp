@@ -74,6 +74,5 @@ TEST(Sysctl, AnswersAsTheKernelDoes)
 TEST(MachineProfileDeathTest, StopsWithoutAModelOrAProcessor)
 {
     TestMac mac(R"({"sysctl": {"hw.model": "Mac14,2"}})");
-    EXPECT_DEATH(
-        OrvTemperatureFans(), "^orv-smc-helper: fatal error: the machine model or the processor name is missing\n$");
+    EXPECT_DEATH(OrvTemperatureFans(), "^orv: fatal error: the machine model or the processor name is missing\n$");
 }

@@ -18,11 +18,13 @@ namespace {
 // On the manual clock the companion's five seconds pass at once.
 constexpr Seconds untilWatchFileIsRead{5.0};
 
-BluetoothBatteryDictionary collectBluetoothReadings(const Platform& platform, ManualRunLoop& runLoop)
+BluetoothBatteryDictionary collectBluetoothReadings(SimulatedPlatform& simulation, ManualRunLoop& runLoop)
 {
-    const auto monitor = OrvBluetoothSysProfile::create(platform);
-    const auto watch = OrvBluetoothAppleWatch::create(platform);
+    const auto watch = OrvBluetoothAppleWatch::create(simulation.platform);
     runLoop.advance(untilWatchFileIsRead);
+    simulation.bundle.removeContainer(); // before the profiler runs: however that ends, no folder is left behind
+    const auto monitor = OrvBluetoothSysProfile::create(simulation.platform);
+    runLoop.runPending();
     return mergeReadings(watch->systemBlueToothDictionary, monitor->systemBlueToothDictionary);
 }
 
@@ -42,7 +44,7 @@ ServiceAnswer askSimulatedMac(Request request, const std::string& machinePath)
         SMC smc;
         writeThermalReply(Orv_SMCHelper::collectThermalReadings(OrvTemperatureFans(), smc, simulation.mac), sink);
     } else {
-        writeBluetoothReply(collectBluetoothReadings(simulation.platform, runLoop), sink, propertyListLimits);
+        writeBluetoothReply(collectBluetoothReadings(simulation, runLoop), sink, propertyListLimits);
     }
     return {sink.take(), {}};
 }

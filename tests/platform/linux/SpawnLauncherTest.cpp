@@ -81,6 +81,6 @@ TEST_F(Launcher, KillsWhatRunsWhenItStops)
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
         launcher.stop();
     });
-    EXPECT_EQ(outputOf("sleep 100"), std::nullopt);
+    EXPECT_EQ(outputOf("exec sleep 100"), std::nullopt);
     stopper.join();
 }

@@ -1,0 +1,20 @@
+# Completion for orvctl(1) in bash.
+
+_orvctl()
+{
+    local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} words
+    COMPREPLY=()
+    if [[ $previous == --simulate ]]; then
+        compopt -o filenames
+        mapfile -t COMPREPLY < <(compgen -f -- "$word")
+        return
+    fi
+    if ((COMP_CWORD == 1)); then
+        words="thermal bluetooth --help --version"
+    else
+        words="--json --simulate --help"
+    fi
+    mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
+}
+
+complete -F _orvctl orvctl

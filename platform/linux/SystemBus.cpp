@@ -1,0 +1,82 @@
+#include "platform/linux/SystemBus.h"
+
+#include <utility>
+
+namespace orv {
+
+SystemBus::SystemBus(sd_event* loopEvent)
+    : event(loopEvent)
+{
+    // Nobody need be told of this one: whoever starts to watch looks around at that time.
+    hasAnswered = open();
+}
+
+void SystemBus::watch(std::function<void(sd_bus*)> addMatches, std::function<void()> onChange)
+{
+    watchers.push_back({std::move(addMatches), std::move(onChange)});
+    if (bus && !isLost)
+        watchers.back().addMatches(bus.get());
+}
+
+void SystemBus::reconnect()
+{
+    if (bus && !isLost)
+        return;
+    hasAnswered = false;
+    if (!open())
+        return;
+    for (const auto& watcher : watchers)
+        watcher.addMatches(bus.get());
+    sd_bus_call_method_async(bus.get(), nullptr, "org.freedesktop.DBus", "/org/freedesktop/DBus",
+        "org.freedesktop.DBus.Peer", "Ping", answered, this, "");
+}
+
+// Neither opening nor attaching waits: the bus answers the greeting when the loop runs.
+bool SystemBus::open()
+{
+    isLost = false;
+    const bool isOpen = sd_bus_open_system(bus.out()) >= 0
+        && sd_bus_match_signal_async(bus.get(), nullptr, "org.freedesktop.DBus.Local", "/org/freedesktop/DBus/Local",
+               "org.freedesktop.DBus.Local", "Disconnected", disconnected, nullptr, this)
+            >= 0
+        && sd_bus_attach_event(bus.get(), event, SD_EVENT_PRIORITY_NORMAL) >= 0;
+    if (!isOpen)
+        bus.reset();
+    return isOpen;
+}
+
+void SystemBus::tellOfChange() const
+{
+    for (const auto& watcher : watchers)
+        watcher.onChange();
+}
+
+// A bus that takes connections only to drop them never gets here, and so is tried again without a word.
+int SystemBus::answered(sd_bus_message* reply, void* systemBus, sd_bus_error*)
+{
+    auto& self = *static_cast<SystemBus*>(systemBus);
+    if (sd_bus_message_is_method_error(reply, nullptr) != 0)
+        return 0;
+    self.hasAnswered = true;
+    self.tellOfChange();
+    return 0;
+}
+
+// The connection is still at work while it tells of its end, so the next `reconnect` releases it.
+int SystemBus::disconnected(sd_bus_message*, void* systemBus, sd_bus_error*)
+{
+    auto& self = *static_cast<SystemBus*>(systemBus);
+    self.isLost = true;
+    if (self.hasAnswered)
+        self.tellOfChange();
+    return 0;
+}
+
+std::string ownerChanges(const char* name)
+{
+    return std::string("type='signal',sender='org.freedesktop.DBus',path='/org/freedesktop/DBus',"
+                       "interface='org.freedesktop.DBus',member='NameOwnerChanged',arg0='")
+        + name + '\'';
+}
+
+} // namespace orv

@@ -1,0 +1,282 @@
+"""The helper on the machine it runs on: kernel drivers as a tree of files, logind and BlueZ as mocks on a private bus."""
+
+import os
+import pathlib
+import shutil
+import subprocess
+import time
+import unittest
+
+from support import BIN, PATIENCE, ProcessTest, plain
+
+APPLESMC = "sys/devices/platform/applesmc.768"
+INTEL = "processor\t: 0\nmodel name\t: Intel(R) Core(TM) i7\n"
+LOGIN = ("org.freedesktop.login1", "/org/freedesktop/login1")
+BLUEZ = ("org.bluez", "/org/bluez")
+KEYBOARD = ("org.bluez", "/org/bluez/hci0/dev_AA_BB_CC_DD_EE_01")
+MOCK = "org.freedesktop.DBus.Mock"
+A_MOMENT = 0.5  # seconds, in which what must not happen would have happened
+
+
+class HostTest(ProcessTest):
+    prefix = ()
+
+    def setUp(self):
+        super().setUp()
+        self.folder.chmod(0o755)
+        # A copy, because what is installed beside the program counts, and others than the builder may run it.
+        self.program = self.copy(BIN / "orv-smc-helper", "bin")
+        self.profiler = self.copy(BIN.parent / "libexec/orv/system_profiler", "libexec/orv")
+        self.root = self.folder / "root"
+        self.root.mkdir()
+        self.system_address = f"unix:path={self.folder}/system-bus"
+        self.environment |= {"ORV_ROOT": str(self.root), "DBUS_SYSTEM_BUS_ADDRESS": self.system_address,
+                             "XDG_DATA_HOME": str(self.folder / "data")}
+
+    def start(self, *command, **options):
+        return super().start(*self.prefix, *command, **options)
+
+    def run_program(self, *command):
+        return super().run_program(*self.prefix, *command)
+
+    def copy(self, program, folder):
+        (self.folder / folder).mkdir(parents=True, exist_ok=True)
+        return pathlib.Path(shutil.copy(program, self.folder / folder))
+
+    def write(self, files):
+        for path, content in files.items():
+            file = self.root / path
+            file.parent.mkdir(parents=True, exist_ok=True)
+            file.write_text(content)
+            file.chmod(0o644 if file.name == "key_at_index" else 0o444)
+
+    def write_intel(self, **files):
+        self.write({"sys/class/dmi/id/product_name": "MacBookPro11,4\n", "proc/cpuinfo": INTEL})
+        self.write({f"{APPLESMC}/{name}": content for name, content in files.items()})
+
+    def start_host(self):
+        self.start_helper(None, self.program)
+
+    def thermal(self):
+        return plain(self.ask("getModelDatawithReply"))
+
+
+class SensorFilesTest(HostTest):
+    def test_driver_is_read_without_privileges(self):
+        self.write_intel(temp1_label="TC0P\n", temp1_input="47500\n", temp2_label="TB0T\n", temp2_input="30250\n",
+                         temp3_label="TC1P\n", temp3_input="-127000\n", fan1_input="2157\n", fan1_min="2160\n",
+                         fan1_max="6156\n", fan2_input="2002\n",
+                         # Files do not follow the index: for whoever may write it they are no way to the keys.
+                         key_count="2\n", key_at_index="0\n", key_at_index_name="TC0P\n", key_at_index_type="sp78\n",
+                         key_at_index_data_length="2\n", key_at_index_data="\x50\x00")
+        self.start_host()
+        fan = {"type": "fans", "unit": "rpm"}
+        self.assertEqual(self.temperatures(), {"TC0P": 47.5, "TB0T": 30.25})
+        reply = self.thermal()
+        self.assertEqual(reply["F0Ac"], {**fan, "title": "Left Side", "value": 2157, "minvalue": 2160, "maxvalue": 6156})
+        self.assertEqual(reply["F1Ac"], {**fan, "title": "Right Side", "value": 2002, "minvalue": 0, "maxvalue": 0})
+        self.write_intel(temp1_input="50000\n")
+        self.until(lambda: self.temperatures() == {"TC0P": 50.0, "TB0T": 30.25})
+
+    def test_apple_silicon_is_read_by_its_labels(self):
+        hwmon = "sys/class/hwmon/hwmon2"
+        self.write({"proc/device-tree/model": "Apple MacBook Pro (14-inch, M3 Pro, 2023)\0", "proc/cpuinfo": "",
+                    f"{hwmon}/name": "macsmc_hwmon\n", f"{hwmon}/temp1_label": "Battery Hotspot\n",
+                    f"{hwmon}/temp1_input": "31125\n", f"{hwmon}/temp2_label": "Charge Regulator Temp\n",
+                    f"{hwmon}/temp2_input": "40500\n", f"{hwmon}/temp3_label": "WiFi/BT Module Temp\n",
+                    f"{hwmon}/temp3_input": "38250\n", f"{hwmon}/fan1_label": "Fan 1\n",
+                    f"{hwmon}/fan1_input": "1300\n", f"{hwmon}/fan1_min": "1200\n", f"{hwmon}/fan1_max": "6800\n"})
+        self.start_host()
+        self.assertEqual(self.temperatures(), {"TB0T": 31.125, "TCHP": 40.5, "TW0P": 38.25})
+        self.assertEqual(self.thermal()["F0Ac"]["value"], 1300)
+
+    def test_machine_that_says_nothing_of_itself_is_served(self):
+        self.start_host()
+        self.assertEqual((self.temperatures(), self.levels()), ({}, {}))
+
+
+class SensorFilesAsNobodyTest(SensorFilesTest):
+    prefix = ("setpriv", "--reuid=nobody", "--regid=nogroup", "--clear-groups") if os.geteuid() == 0 else ()
+
+
+class SystemBusTest(HostTest):
+    def start_system_bus(self):
+        bus = self.start("dbus-daemon", "--session", "--nofork", f"--address={self.system_address}", "--print-address",
+                         stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        bus.stdout.readline()
+        return bus
+
+    def start_mock(self, template, name):
+        mock = self.start("/usr/bin/python3", "-m", "dbusmock", "--system", "--template", template,
+                          stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.assertEqual(self.run_program("gdbus", "wait", "--system", f"--timeout={PATIENCE}", name).returncode, 0)
+        return mock
+
+    def tell(self, target, method, *arguments, interface=MOCK):
+        done = self.run_program("busctl", "--system", "call", *target, interface, method, *arguments)
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+
+    def wait_for_matches(self, *words):
+        """Returns when the helper listens."""
+        command = ("busctl", "--system", "call", "org.freedesktop.DBus", "/org/freedesktop/DBus",
+                   "org.freedesktop.DBus.Debug.Stats", "GetAllMatchRules")
+        rules = lambda: self.run_program(*command).stdout.replace("\\", "")
+        self.until(lambda: all(word in rules() for word in words))
+
+    def prepare_for_sleep(self, is_starting):
+        self.tell(LOGIN, "EmitSignal", "sssav", "org.freedesktop.login1.Manager", "PrepareForSleep", "b", "1", "b",
+                  is_starting)
+
+    def start_with_login(self):
+        self.start_system_bus()
+        mock = self.start_mock("logind", LOGIN[0])
+        self.start_host()
+        self.wait_for_matches("PrepareForSleep")
+        return mock
+
+    def start_bluez(self):
+        mock = self.start_mock("bluez5", BLUEZ[0])
+        self.tell(BLUEZ, "AddAdapter", "ss", "hci0", "computer", interface="org.bluez.Mock")
+        self.tell(BLUEZ, "AddDevice", "sss", "hci0", "AA:BB:CC:DD:EE:01", "Keyboard", interface="org.bluez.Mock")
+        return mock
+
+    def change_device(self, name, truth="true"):
+        self.tell(KEYBOARD, "UpdateProperties", "sa{sv}", "org.bluez.Device1", "1", name, "b", truth)
+
+    def add_battery(self, percentage):
+        self.tell(KEYBOARD, "AddProperties", "sa{sv}", "org.bluez.Battery1", "1", "Percentage", "y", percentage)
+
+    def children(self):
+        """Zombies too."""
+        return self.run_program("pgrep", "-P", str(self.helper.pid)).stdout.split()
+
+
+class SleepTest(SystemBusTest):
+    def test_nothing_is_refreshed_between_sleep_and_wake(self):
+        self.write_intel(temp1_label="TC0P\n", temp1_input="40000\n")
+        login = self.start_with_login()
+        self.prepare_for_sleep("true")
+        self.write_intel(temp1_input="50000\n")
+        time.sleep(5.5)  # a refresh that does not happen is no event
+        self.assertEqual(self.temperatures(), {"TC0P": 40.0})
+        self.prepare_for_sleep("false")
+        self.until(lambda: self.temperatures() == {"TC0P": 50.0})
+        # Nobody is left to tell of the wake: it must not be waited for.
+        self.prepare_for_sleep("true")
+        self.write_intel(temp1_input="60000\n")
+        login.kill()
+        self.until(lambda: self.temperatures() == {"TC0P": 60.0})
+
+
+class BluezTest(SystemBusTest):
+    def setUp(self):
+        super().setUp()
+        self.runs = self.folder / "runs"
+        self.runs.touch()
+        real = self.profiler.rename(self.profiler.with_name("real"))
+        self.profiler.write_text(f'#!/bin/sh\necho run >> {self.runs}\nexec {real} "$@"\n')
+        self.profiler.chmod(0o755)
+
+    def run_count(self):
+        return len(self.runs.read_text().splitlines())
+
+    def causes_run(self, change):
+        """Whether a change makes the helper look; it does once nothing else keeps it busy."""
+        self.until(lambda: not self.children())
+        before = self.run_count()
+        change()
+        self.until(lambda: self.run_count() > before)
+        self.until(lambda: not self.children())
+        self.assertEqual(self.run_count(), before + 1)
+
+    def start_with_bluez(self):
+        self.start_system_bus()
+        bluez = self.start_bluez()
+        self.start_host()
+        self.wait_for_matches("org.bluez.Device1", "InterfacesAdded", "arg0='org.bluez'")
+        self.until(lambda: self.run_count() == 1)
+        return bluez
+
+    def test_events_are_followed(self):
+        self.start_with_bluez()
+        self.causes_run(lambda: self.change_device("Connected"))
+        self.assertEqual(self.levels(), {})
+        self.add_battery("85")
+        battery_added = ("EmitSignal", "sssav", "org.freedesktop.DBus.ObjectManager", "InterfacesAdded", "oa{sa{sv}}",
+                         "2", "o", KEYBOARD[1], "a{sa{sv}}", "1", "org.bluez.Battery1", "1", "Percentage", "y", "85")
+        self.causes_run(lambda: self.tell((BLUEZ[0], "/"), *battery_added))
+        level = {"aa-bb-cc-dd-ee-01": {"batteryLevel": 85}}
+        self.until(lambda: self.levels() == level)
+        self.causes_run(lambda: self.change_device("Paired"))
+        before = self.run_count()
+        self.change_device("Connected", "false")
+        self.tell(KEYBOARD, "UpdateProperties", "sa{sv}", "org.bluez.Device1", "1", "RSSI", "n", "--", "-40")
+        time.sleep(A_MOMENT)
+        self.assertEqual(self.run_count(), before)
+
+    def test_bluetoothd_may_go_and_come_back(self):
+        bluez = self.start_with_bluez()
+        self.add_battery("85")
+        self.change_device("Connected")
+        level = {"aa-bb-cc-dd-ee-01": {"batteryLevel": 85}}
+        self.until(lambda: self.levels() == level)
+        self.causes_run(bluez.kill)
+        self.until(lambda: self.levels() == {})
+        self.start_bluez()
+        self.add_battery("70")
+        self.change_device("Connected")
+        self.until(lambda: self.levels() == {"aa-bb-cc-dd-ee-01": {"batteryLevel": 70}})
+
+    def test_system_bus_may_come_late_and_twice(self):
+        self.write({"sys/class/power_supply/hid-aa:bb:cc:dd:ee:01-battery/capacity": "60\n"})
+        self.start_host()
+        for _ in range(2):
+            before = self.run_count()
+            bus = self.start_system_bus()
+            self.wait_for_matches("PrepareForSleep", "org.bluez.Device1")
+            self.until(lambda: self.run_count() > before)
+            self.start_bluez()
+            self.change_device("Connected")
+            self.until(lambda: self.levels() == {"aa-bb-cc-dd-ee-01": {"batteryLevel": 60}})
+            bus.kill()
+            (self.folder / "system-bus").unlink()
+
+
+class CompanionTest(SystemBusTest):
+    def write_companion(self, path, name):
+        path = self.folder / "lib/orv/Resources" / path
+        path.parent.mkdir(parents=True, exist_ok=True)
+        container = self.folder / "data/group.org.orv/Library/Application Support"
+        path.write_text(f"""#!/bin/sh
+            echo {name} >> {self.folder}/started
+            mkdir -p '{container}'
+            echo '{{"{name}": {{"batteryLevel": 80}}}}' > '{container}/applewatchbt.json'
+            read line < {self.folder}/gate
+            """)
+        path.chmod(0o755)
+
+    def started(self):
+        log = self.folder / "started"
+        return log.read_text().split() if log.exists() else []
+
+    def test_first_companion_runs_in_the_background_once_at_a_time(self):
+        os.mkfifo(self.folder / "gate")
+        self.write_companion("Alpha.app/Alpha", "first")
+        self.write_companion("Beta.app", "second")
+        self.start_with_login()
+        self.until(lambda: self.levels() == {"first": {"batteryLevel": 80}})
+        self.prepare_for_sleep("false")  # the next cycle
+        time.sleep(A_MOMENT)
+        self.assertEqual(self.started(), ["first"])
+        (self.folder / "gate").write_text("end\n")
+        self.until(lambda: not self.children())
+        # A file this time, and again in a new cycle, which begins five seconds after the last one at the earliest.
+        shutil.rmtree(self.folder / "lib/orv/Resources/Alpha.app")
+        self.until(lambda: self.prepare_for_sleep("false") or self.started() == ["first", "second"])
+        self.until(lambda: self.levels() == {"second": {"batteryLevel": 80}})
+        (self.folder / "gate").write_text("end\n")
+        self.until(lambda: not self.children())
+
+
+if __name__ == "__main__":
+    unittest.main()

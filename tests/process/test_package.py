@@ -1,0 +1,132 @@
+"""The Debian package: made, installed into an empty root, used and removed."""
+
+import configparser
+import json
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import tempfile
+import unittest
+import xml.etree.ElementTree
+
+from support import BIN, NAME, PATH, REQUESTS, ProcessTest
+
+TOOLS = {**os.environ, "LC_ALL": "C.UTF-8", "PATH": os.environ["PATH"] + ":/usr/sbin:/sbin"}
+
+
+def run(*command, **options):
+    return subprocess.run(command, env=TOOLS, text=True, capture_output=True, check=True, timeout=600, **options)
+
+
+def files_in(folder):
+    return {f"/{path.relative_to(folder)}" for path in folder.rglob("*") if not path.is_dir()}
+
+
+def methods_of(document):
+    interface, = (each for each in xml.etree.ElementTree.fromstring(document) if each.get("name") == REQUESTS)
+    return {method.get("name"): [dict(argument.attrib) for argument in method.findall("arg")]
+            for method in interface.findall("method")}
+
+
+class PackageTest(ProcessTest):
+    @classmethod
+    def setUpClass(cls):
+        cls.packages = pathlib.Path(tempfile.mkdtemp(prefix="orv-package-"))
+        cls.addClassCleanup(shutil.rmtree, cls.packages)
+        run("cpack", "--config", BIN.parent / "CPackConfig.cmake", "-B", cls.packages)
+        cls.package, = cls.packages.glob("*.deb")
+
+    def setUp(self):
+        super().setUp()
+        self.root = self.folder / "root"
+        (self.root / "var/lib/dpkg/info").mkdir(parents=True)
+        (self.root / "var/lib/dpkg/updates").mkdir()
+        (self.root / "var/lib/dpkg/status").touch()
+        self.dpkg("--install", self.package)
+
+    def dpkg(self, *arguments):
+        run("dpkg", f"--root={self.root}", "--force-depends", "--force-not-root", "--path-include=*",
+            f"--log={self.folder}/log", *arguments)
+
+    def installed(self):
+        return {path for path in files_in(self.root) if not path.startswith("/var/lib/dpkg/")}
+
+    def sections(self, path):
+        parser = configparser.ConfigParser(strict=False, interpolation=None, delimiters="=")
+        parser.optionxform = str
+        parser.read(self.root / path)
+        return parser
+
+    def activate_from_root(self):
+        """Starts a bus that starts services from the root only."""
+        service = self.root / f"usr/share/dbus-1/services/{NAME}.service"
+        service.write_text(service.read_text().replace("Exec=/", f"Exec={self.root}/"))
+        self.environment |= {"XDG_DATA_DIRS": str(self.root / "usr/share"), "XDG_DATA_HOME": str(self.folder / "data"),
+                             "DBUS_SYSTEM_BUS_ADDRESS": "unix:path=/nonexistent", "ORV_ROOT": str(self.folder / "mac")}
+        bus = self.start("dbus-daemon", "--session", "--nofork", "--print-address", stdout=subprocess.PIPE,
+                         stderr=subprocess.DEVNULL)
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = bus.stdout.readline().strip()
+
+    def test_first_call_starts_the_installed_service(self):
+        driver = self.folder / "mac/sys/devices/platform/applesmc.768"
+        driver.mkdir(parents=True)
+        (driver / "temp1_label").write_text("TC0P\n")
+        (driver / "temp1_input").write_text("47500\n")
+        self.activate_from_root()
+        done = self.run_program(self.root / "usr/bin/orvctl", "thermal", "--json")
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        self.assertEqual(json.loads(done.stdout)["TC0P"]["value"], 47.5)
+        description = (self.root / f"usr/share/dbus-1/interfaces/{REQUESTS}.xml").read_text()
+        live = self.run_program("gdbus", "introspect", "--session", "--xml", "--dest", NAME, "--object-path", PATH)
+        self.assertEqual(methods_of(description), methods_of(live.stdout))
+
+    def test_removal_leaves_nothing(self):
+        self.assertIn("/usr/libexec/orv/system_profiler", self.installed())
+        tarball, = self.packages.glob("*.tar.gz")
+        unpacked = self.folder / "unpacked"
+        unpacked.mkdir()
+        run("tar", "-xf", tarball, "-C", unpacked, "--strip-components=1")
+        self.assertEqual(files_in(unpacked), self.installed())
+        self.dpkg("--purge", "orv-smc-helper")
+        self.assertEqual(self.installed(), set())
+        self.assertFalse((self.root / "usr").exists())
+
+    def test_unit_and_activation_file_fit_together(self):
+        unit = self.sections("usr/lib/systemd/user/orv-smc-helper.service")["Service"]
+        activation = self.sections(f"usr/share/dbus-1/services/{NAME}.service")["D-BUS Service"]
+        self.assertEqual((unit["BusName"], activation["Name"]), (NAME, NAME))
+        self.assertEqual(unit["ExecStart"], activation["Exec"])
+        self.assertIn(unit["ExecStart"], self.installed())
+        self.assertIn(f"/usr/lib/systemd/user/{activation['SystemdService']}", self.installed())
+
+    def test_unit_is_hardened(self):
+        unit = self.root / "usr/lib/systemd/user/orv-smc-helper.service"
+        run("systemd-analyze", "security", "--offline=true", "--threshold=40", "--no-pager", unit)
+        unit.write_text(unit.read_text().replace("ExecStart=/", f"ExecStart={self.root}/"))
+        self.assertEqual(run("systemd-analyze", "verify", "--man=no", unit).stderr, "")
+
+    def test_group_of_the_rule_is_made(self):
+        (self.root / "etc").mkdir()
+        run("systemd-sysusers", f"--root={self.root}")
+        group, = re.findall(r"^(\S+?):", (self.root / "etc/group").read_text(), re.MULTILINE)
+        rule = (self.root / "usr/lib/udev/rules.d/60-orv-smc.rules").read_text()
+        self.assertIn(f"chgrp {group} ", rule)
+
+    def test_manual_pages_have_no_faults(self):
+        for page in "man8/orv-smc-helper.8", "man1/orvctl.1":
+            done = run("man", "--warnings", "-E", "UTF-8", "-l", "-Tutf8", "-Z", self.root / "usr/share/man" / page)
+            self.assertEqual(done.stderr, "")
+
+    def test_shell_completes_commands_and_options(self):
+        script = self.root / "usr/share/bash-completion/completions/orvctl"
+        for words, expected in (("orvctl ''", "thermal bluetooth --help --version"), ("orvctl th", "thermal"),
+                                ("orvctl thermal --j", "--json")):
+            done = run("bash", "-c", f"source {script}; COMP_WORDS=({words}); COMP_CWORD=$((${{#COMP_WORDS[@]}} - 1)); "
+                       "_orvctl; echo ${COMPREPLY[@]}")
+            self.assertEqual((done.stdout.strip(), done.stderr), (expected, ""))
+
+
+if __name__ == "__main__":
+    unittest.main()

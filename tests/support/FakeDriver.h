@@ -1,0 +1,56 @@
+#pragma once
+
+#include "platform/linux/SMCAttributes.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace orv {
+
+/// A kernel driver: attributes that are plain text, and, when it has keys, the key_at_index ones, which follow the
+/// index written last, whoever wrote it.
+class FakeDriver final : public SMCAttributes {
+public:
+    struct Key {
+        std::string name;
+        std::string type;
+        std::string bytes;
+        bool isUnreadable = false;
+    };
+
+    std::map<std::string, std::string> files; // by path
+    std::vector<Key> keys;
+    std::size_t index = 0;
+    bool isWritable = true;
+    std::function<void()> afterWrite; // what another process does meanwhile
+    std::vector<std::string> dataReads; // the names of the keys whose data was read
+
+    /// Adds the attributes of applesmc, with these keys behind key_at_index.
+    void addApplesmc(const std::string& folder, std::vector<Key> driverKeys);
+    /// Takes the driver away: what is open is of no use from now on.
+    void unload();
+    void load() { isLoaded = true; }
+
+    std::size_t openDescriptors() const;
+
+    FileDescriptor open(const std::string& path, Access access) override;
+    ssize_t read(int descriptor, std::span<char> bytes) override;
+    ssize_t write(int descriptor, std::string_view text) override;
+
+private:
+    struct Opened {
+        std::string path;
+        int generation = 0;
+    };
+
+    std::string content(const std::string& path);
+
+    bool isLoaded = true;
+    int generation = 0;
+    std::map<int, Opened> opened; // by descriptor, also after it was closed
+};
+
+} // namespace orv
