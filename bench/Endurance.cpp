@@ -1,8 +1,9 @@
 // usage: bench-endurance REFRESHES
 // A server on the manual clock through sleep, wake, Bluetooth events and failing keys. Prints one JSON object: the heap
-// in use and the open descriptors, early (the most in the refreshes after the first thousand) and late (in the last
-// ones).
+// and allocations in use and the open descriptors, early (the most in the refreshes after the first thousand) and late
+// (in the last ones).
 
+#include "bench/support/Allocations.h"
 #include "bench/support/CatalogueMac.h"
 #include "bluetooth/OrvBluetoothAppleWatch.h"
 #include "bluetooth/OrvBluetoothSysProfile.h"
@@ -81,11 +82,13 @@ MachineFile machineWithCompanion()
 }
 
 struct Usage {
+    std::size_t allocations = 0;
     std::size_t heap = 0;
     std::ptrdiff_t descriptors = 0;
 
     void include(const Usage& other)
     {
+        allocations = std::max(allocations, other.allocations);
         heap = std::max(heap, other.heap);
         descriptors = std::max(descriptors, other.descriptors);
     }
@@ -93,7 +96,8 @@ struct Usage {
 
 Usage usageNow()
 {
-    return {mallinfo2().uordblks, std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {})};
+    return {allocationsInUse(), mallinfo2().uordblks,
+        std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {})};
 }
 
 class Life {
@@ -167,7 +171,7 @@ int main(int argumentCount, char** arguments)
             late.include(usageNow());
     }
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
-    std::printf("{\"heap\": [%zu, %zu], \"descriptors\": [%td, %td], \"seconds\": %.1f}\n", early.heap, late.heap,
-        early.descriptors, late.descriptors, taken.count());
+    std::printf("{\"allocations\": [%zu, %zu], \"heap\": [%zu, %zu], \"descriptors\": [%td, %td], \"seconds\": %.1f}\n",
+        early.allocations, late.allocations, early.heap, late.heap, early.descriptors, late.descriptors, taken.count());
     return 0;
 }

@@ -10,6 +10,7 @@ import dataclasses
 import json
 import os
 import pathlib
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -167,16 +168,26 @@ class Bench:
     def memory(self):
         os.sync()  # pages of a program that was just built count as dirty
         with self.bus() as environment:
-            # One after the other, so that neither lends the other its pages.
-            with self.service(environment) as service:
+            # One after the other and each with libraries of its own, so that neither the other nor what else runs on
+            # this machine carries a part of their pages.
+            with self.service(self.with_own_libraries(environment, "orv-smc-helper")) as service:
                 time.sleep(START_UP)
                 figure = memory_of(service.pid)
-            with self.process(BIN / "bench-empty", env=environment) as empty:
+            with self.process(BIN / "bench-empty", env=self.with_own_libraries(environment, "bench-empty")) as empty:
                 time.sleep(START_UP)
                 floor = memory_of(empty.pid)
         what = {"Private_Dirty": "idle memory without an SMC, private and dirty; an empty program with two threads",
                 "Pss": "the same, proportional share"}
         return [ratio(what[kind], figure[kind], floor[kind], 1.25, unit="KiB") for kind in what]
+
+    def with_own_libraries(self, environment, program):
+        folder = self.folder / f"libraries-of-{program}"
+        folder.mkdir()
+        listed = subprocess.run(["ldd", BIN / program], text=True, stdout=subprocess.PIPE, check=True).stdout
+        for library in [line.split()[2] for line in listed.splitlines() if " => " in line]:
+            shutil.copy(library, folder)
+        os.sync()
+        return {**environment, "LD_LIBRARY_PATH": str(folder)}
 
     def activation(self):
         machine = self.machine("--other-keys", "434")
@@ -196,9 +207,10 @@ class Bench:
 
     def endurance(self):
         life = run(*self.pinned(BIN / "bench-endurance", self.options.refreshes))
-        refreshes = f"{self.options.refreshes} refreshes in {life['seconds']:.0f} s, growth of the "
-        return [Row(refreshes + what, f"{life[what][1]:,}", f"{life[what][0]:,}",
-                    max(0, life[what][1] - life[what][0]), 0, unit="") for what in ("heap", "descriptors")]
+        what = f"{self.options.refreshes} refreshes in {life['seconds']:.0f} s, growth: "
+        # The allocator may hand out a block larger than asked for by what it cannot split off: no bytes exactly.
+        return [Row(what + kind, f"{life[kind][1]:,}", f"{life[kind][0]:,}", max(0, life[kind][1] - life[kind][0]), most,
+                    unit="") for kind, most in (("allocations", 0), ("heap", 1024), ("descriptors", 0))]
 
 
 def switches(task):

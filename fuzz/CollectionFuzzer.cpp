@@ -1,5 +1,6 @@
 // Whole collections of a machine whose every answer comes from the input. The first byte chooses the way of collecting.
 
+#include "fuzz/support/Answers.h"
 #include "fuzz/support/Fuzzer.h"
 #include "fuzz/support/RepliesOfBothKinds.h"
 #include "platform/HIDEventSystem.h"
@@ -13,38 +14,10 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
-#include <cstring>
 
 using namespace orv;
 
 namespace {
-
-/// The input, read from the front; zeros follow its end.
-class Answers {
-public:
-    explicit Answers(std::string_view input)
-        : rest(input)
-    {
-    }
-
-    std::uint8_t byte()
-    {
-        const auto first = rest.empty() ? 0 : static_cast<std::uint8_t>(rest.front());
-        rest.remove_prefix(rest.empty() ? 0 : 1);
-        return static_cast<std::uint8_t>(first);
-    }
-
-    template <typename Number> Number number()
-    {
-        std::array<std::uint8_t, sizeof(Number)> bytes;
-        std::ranges::generate(bytes, [&] { return byte(); });
-        return std::bit_cast<Number>(bytes);
-    }
-
-private:
-    std::string_view rest;
-};
 
 constexpr std::uint32_t keyCountKey = fourCharCode("#KEY");
 
@@ -124,15 +97,6 @@ private:
             return fourCharCode(std::string{'F', "0123456789ABCDEFG"[place % 17]} + "Ac");
         const auto rows = (number == 0 ? intelSensorKeys : number == 1 ? commonSensorKeys : socSensorKeys).rows;
         return fourCharCode(keyOf(rows[place % rows.size()]));
-    }
-
-    // A speed that is no number stops the helper on purpose: such answers are not given.
-    static void keepFanSpeedInRange(std::uint32_t key, Bytes& bytes)
-    {
-        float speed = 0;
-        std::memcpy(&speed, bytes.data(), sizeof(speed));
-        if (key >> 24 == 'F' && !(speed > -9e18f && speed < 9e18f))
-            bytes[3] &= 0x3F;
     }
 
     Answers answers;

@@ -8,9 +8,22 @@ namespace orv {
 
 namespace {
 
+constexpr std::size_t fewMembers = 16;
+
+bool everyKeyDiffers(const std::vector<Member>& few)
+{
+    for (auto member = few.begin(); member != few.end(); ++member) {
+        if (std::any_of(few.begin(), member, [&](const Member& earlier) { return earlier.key == member->key; }))
+            return false;
+    }
+    return true;
+}
+
 // Sorting positions keeps a hostile source with a million members from costing a million searches.
 std::vector<Member> firstOfEachKey(std::vector<Member> listed)
 {
+    if (listed.size() <= fewMembers && everyKeyDiffers(listed))
+        return listed;
     std::vector<std::size_t> order(listed.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::ranges::sort(order, [&](auto a, auto b) { return std::tie(listed[a].key, a) < std::tie(listed[b].key, b); });
@@ -37,7 +50,7 @@ Dictionary& Dictionary::operator=(Dictionary&&) noexcept = default;
 Dictionary::~Dictionary() = default;
 
 Dictionary::Dictionary(std::vector<Member> listed)
-    : members(listed.size() < 2 ? std::move(listed) : firstOfEachKey(std::move(listed)))
+    : members(firstOfEachKey(std::move(listed)))
 {
 }
 

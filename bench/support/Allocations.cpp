@@ -12,6 +12,7 @@ namespace {
 
 // One thread measures, so these need no lock.
 std::size_t count = 0;
+std::size_t inUse = 0;
 std::size_t bytes = 0;
 std::size_t peak = 0;
 
@@ -20,6 +21,11 @@ std::size_t peak = 0;
 std::size_t allocationCount()
 {
     return count;
+}
+
+std::size_t allocationsInUse()
+{
+    return inUse;
 }
 
 std::size_t allocatedBytes()
@@ -45,6 +51,7 @@ void* operator new(std::size_t size)
     if (!memory)
         throw std::bad_alloc();
     ++orv::count;
+    ++orv::inUse;
     orv::bytes += malloc_usable_size(memory);
     orv::peak = std::max(orv::peak, orv::bytes);
     return memory;
@@ -52,6 +59,9 @@ void* operator new(std::size_t size)
 
 void operator delete(void* memory) noexcept
 {
+    if (!memory)
+        return;
+    --orv::inUse;
     orv::bytes -= malloc_usable_size(memory);
     std::free(memory);
 }
