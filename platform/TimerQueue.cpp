@@ -48,14 +48,13 @@ void TimerQueue::runDue(Instant now)
 {
     while (!items.empty() && items.begin()->first.first <= now) {
         const auto deadline = items.begin()->first.first;
-        auto item = items.extract(items.begin()).mapped();
-        const auto run = item.run;
+        const auto item = items.extract(items.begin()).mapped();
         if (item.interval > Duration::zero()) {
             const auto missed = (now - deadline) / item.interval;
-            insert(deadline + (missed + 1) * item.interval, std::move(item));
+            insert(deadline + (missed + 1) * item.interval, item);
         }
         running = now - deadline <= tolerance ? std::optional(deadline) : std::nullopt;
-        (*run)();
+        (*item.run)();
         running.reset();
     }
 }

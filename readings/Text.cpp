@@ -1,5 +1,6 @@
 #include "readings/Text.h"
 
+#include <algorithm>
 #include <array>
 
 namespace orv {
@@ -41,11 +42,22 @@ bool isNoncharacter(char32_t codePoint)
     return (codePoint >= 0xFDD0 && codePoint <= 0xFDEF) || (codePoint & 0xFFFE) == 0xFFFE;
 }
 
+// What every text may hold, and mostly holds: these bytes need no decoding.
+bool isPlain(char byte)
+{
+    return byte != 0 && static_cast<unsigned char>(byte) < 0x80;
+}
+
 template <typename Accept> std::string textWhere(std::string_view bytes, Accept accept)
 {
     std::string text;
     text.reserve(bytes.size());
     while (!bytes.empty()) {
+        const auto plain = static_cast<std::size_t>(std::ranges::find_if_not(bytes, isPlain) - bytes.begin());
+        text += bytes.substr(0, plain);
+        bytes.remove_prefix(plain);
+        if (bytes.empty())
+            break;
         const auto [codePoint, length] = decodeCharacter(bytes);
         text += codePoint && accept(*codePoint) ? bytes.substr(0, length) : replacementCharacter;
         bytes.remove_prefix(length);

@@ -86,7 +86,7 @@ private:
     void writeContainer(char begin, char end, const Items& items, WriteItem writeItem)
     {
         text += begin;
-        std::string_view separator = "";
+        std::string_view separator;
         for (const auto& item : items) {
             text += separator;
             separator = ", ";

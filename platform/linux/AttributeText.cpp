@@ -20,8 +20,9 @@ std::string_view withoutNewline(std::string_view text)
 std::optional<std::int64_t> attributeNumber(std::string_view text)
 {
     std::int64_t number = 0;
-    const auto* end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    const auto* begin = text.data();
+    const auto* end = begin + text.size();
+    const auto [stop, error] = std::from_chars(begin, end, number);
     if (error != std::errc() || (stop != end && *stop != '\n'))
         return std::nullopt;
     return number;

@@ -101,7 +101,7 @@ void BusService::onTermination(std::function<void(int signal)> callBack)
     });
 }
 
-void BusService::runThread(std::function<void(bool isConnected)> onConnected)
+void BusService::runThread(const std::function<void(bool isConnected)>& onConnected)
 {
     const int result = connect();
     if (result < 0)

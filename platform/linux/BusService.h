@@ -40,7 +40,7 @@ private:
         static void release(Handle handle) { sd_bus_flush_close_unref(handle); }
     };
 
-    void runThread(std::function<void(bool isConnected)> onConnected);
+    void runThread(const std::function<void(bool isConnected)>& onConnected);
     int connect();
     void publish();
     void fail(const std::string& what, int error);

@@ -1,5 +1,7 @@
 #include "platform/linux/EventRunLoop.h"
 
+#include "platform/linux/FreeMemory.h"
+
 #include <sys/eventfd.h>
 #include <time.h>
 
@@ -140,7 +142,7 @@ int EventRunLoop::timeReached(sd_event_source*, std::uint64_t, void* loop)
 {
     auto& self = *static_cast<EventRunLoop*>(loop);
     guarded([&] { self.timers.runDue(monotonicTime()); });
-    self.freeMemory.giveBack();
+    giveFreeMemoryBack();
     self.armTimeSource();
     return 0;
 }

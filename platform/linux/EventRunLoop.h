@@ -3,7 +3,6 @@
 #include "platform/FileDescriptor.h"
 #include "platform/RunLoop.h"
 #include "platform/TimerQueue.h"
-#include "platform/linux/FreeMemory.h"
 
 #include <systemd/sd-event.h>
 
@@ -61,7 +60,6 @@ private:
     Owned<SourceTraits> timeSource;
     Owned<SourceTraits> postSource;
     TimerQueue timers;
-    FreeMemory freeMemory;
 
     std::mutex mutex;
     std::vector<std::function<void()>> posted;

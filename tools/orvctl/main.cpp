@@ -1,6 +1,6 @@
-#include "platform/CommandLine.h"
 #include "platform/json/JSONWriter.h"
 #include "tools/orvctl/Client.h"
+#include "tools/orvctl/CommandLine.h"
 #include "tools/orvctl/SimulatedClient.h"
 #include "tools/orvctl/Table.h"
 
