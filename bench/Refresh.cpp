@@ -69,8 +69,6 @@ struct Measured {
     Published<ThermalDictionary> published;
     sd_bus* const bus = unansweredBus();
 
-    Measured() { setHardware(hardware); }
-
     void refresh() { published.replace(Orv_SMCHelper::collectThermalReadings(profile, smc, simulation.mac)); }
 
     void reply()
@@ -85,6 +83,7 @@ struct Measured {
 Measured& measured()
 {
     static auto& instance = *new Measured;
+    setHardware(instance.hardware); // other measurements set theirs
     return instance;
 }
 

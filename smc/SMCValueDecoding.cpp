@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 
 namespace orv {
 
 using enum SMCNumberForm;
+
+constexpr std::size_t codeLength = 4;
 
 constexpr std::array<SMCValueFormat, 31> smcValueFormats{{
     {SMCDataType::flt, "flt ", float32, 4},
@@ -105,7 +108,13 @@ std::optional<double> number(const SMCVal& val, SMCNumberForm form)
 
 const SMCValueFormat* smcValueFormat(std::string_view code)
 {
-    const auto found = std::ranges::find(smcValueFormats, code, &SMCValueFormat::code);
+    if (code.size() != codeLength)
+        return nullptr;
+    // Every reading passes here: of a length that is known, two codes are compared as two integers.
+    const auto hasCode = [&](const SMCValueFormat& format) {
+        return std::memcmp(format.code.data(), code.data(), codeLength) == 0;
+    };
+    const auto found = std::ranges::find_if(smcValueFormats, hasCode);
     return found == smcValueFormats.end() ? nullptr : &*found;
 }
 
