@@ -7,7 +7,8 @@
 #include "thermal/ZpSystemInfo.h"
 
 #include <algorithm>
-#include <iterator>
+#include <cstddef>
+#include <functional>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -37,16 +38,20 @@ SplitKeys splitKeys(const std::vector<std::string>& keys)
     return split;
 }
 
-// Ascending order of bytes, which decides both who owns a shared title and how cores are counted.
-template <typename IsCandidate>
-std::vector<std::string> candidates(const std::vector<std::string>& temperatureKeys, IsCandidate isCandidate)
+// The rows whose keys the SMC lists, in ascending order of the keys' bytes, which decides both who owns a shared title
+// and how cores are counted. A table's rows lie in that order, so it is that of their addresses.
+std::vector<const SensorKeyPair*> candidates(const std::vector<std::string>& temperatureKeys, const SensorTable& table)
 {
-    std::vector<std::string> keys;
-    std::ranges::copy_if(temperatureKeys, std::back_inserter(keys), isCandidate);
-    std::ranges::sort(keys);
-    const auto repeated = std::ranges::unique(keys);
-    keys.erase(repeated.begin(), repeated.end());
-    return keys;
+    std::vector<const SensorKeyPair*> rows;
+    rows.reserve(temperatureKeys.size());
+    for (const auto& key : temperatureKeys) {
+        if (const auto* row = table.find(key))
+            rows.push_back(row);
+    }
+    std::ranges::sort(rows);
+    const auto repeated = std::ranges::unique(rows);
+    rows.erase(repeated.begin(), repeated.end());
+    return rows;
 }
 
 // A failed exchange and a value that is none are the same to a collection.
@@ -63,17 +68,25 @@ class TitledTemperatures {
 public:
     void add(const std::string& key, std::string title, double degrees)
     {
-        if (std::ranges::find(titles, title) != titles.end())
+        // Most titles differ in their hash, which is compared faster than a text.
+        const auto hash = std::hash<std::string_view>()(title);
+        const auto isThis = [&](const UsedTitle& used) { return used.hash == hash && used.title == title; };
+        if (std::ranges::any_of(titles, isThis))
             return;
         const auto added = readings.emplace_hint(readings.end(), key, TemperatureEntry{std::move(title), degrees});
-        titles.push_back(std::get<TemperatureEntry>(added->second).title);
+        titles.push_back({hash, std::get<TemperatureEntry>(added->second).title});
     }
 
     ThermalDictionary take() { return std::move(readings); }
 
 private:
+    struct UsedTitle {
+        std::size_t hash;
+        std::string_view title; // of a reading, which stays where it is
+    };
+
     ThermalDictionary readings;
-    std::vector<std::string_view> titles; // of the readings, which stay where they are
+    std::vector<UsedTitle> titles;
 };
 
 bool brandContains(std::string_view chip)
@@ -150,13 +163,12 @@ ThermalDictionary readTableTemperatures(
     SMC& smc, const std::vector<std::string>& temperatureKeys, const SensorTable& table)
 {
     TitledTemperatures temperatures;
-    const auto isInTable = [&](const std::string& key) { return table.contains(key); };
-    for (const auto& key : candidates(temperatureKeys, isInTable)) {
+    for (const auto* sensor : candidates(temperatureKeys, table)) {
+        const std::string key(sensor->key);
         const auto degrees = readTemperature(smc, key);
         if (!degrees || !(*degrees > smcThreshold))
             continue;
-        const auto* sensor = table.find(key);
-        temperatures.add(key, std::string(sensor ? std::string_view(sensor->name) : "Unknown"), *degrees);
+        temperatures.add(key, std::string(sensor->name), *degrees);
     }
     return temperatures.take();
 }
@@ -164,16 +176,15 @@ ThermalDictionary readTableTemperatures(
 ThermalDictionary readSocTemperatures(SMC& smc, const std::vector<std::string>& temperatureKeys,
     std::int64_t efficiencyCores, std::int64_t performanceCores)
 {
-    const bool isM4 = brandContains("M4");
-    const auto isSocKey = [&](const std::string& key) {
-        return socSensorKeys.contains(key) && !(isM4 && key.starts_with("Tp0"));
-    };
-    const auto keys = candidates(temperatureKeys, isSocKey);
+    auto sensors = candidates(temperatureKeys, socSensorKeys);
+    if (brandContains("M4"))
+        std::erase_if(sensors, [](const auto* sensor) { return keyOf(*sensor).starts_with("Tp0"); });
     const auto fallback = coreFallback(smc);
 
     TitledTemperatures temperatures;
     SocCounters counters;
-    for (const auto& key : keys) {
+    for (const auto* sensor : sensors) {
+        const std::string key(sensor->key);
         // Counted before anything can skip the key: a sensor's number is its place, so a failing one leaves a gap.
         counters.count(key);
         if (efficiencyCoreKeys.contains(key) && counters.efficiency > efficiencyCores)
