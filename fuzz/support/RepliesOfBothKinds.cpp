@@ -1,7 +1,7 @@
 #include "fuzz/support/RepliesOfBothKinds.h"
 
 #include "fuzz/support/Fuzzer.h"
-#include "platform/Owned.h"
+#include "platform/linux/BusHandles.h"
 #include "platform/linux/BusMessageSink.h"
 #include "tools/orvctl/BusMessageReader.h"
 
@@ -10,12 +10,6 @@
 namespace orv {
 
 namespace {
-
-struct MessageTraits {
-    using Handle = sd_bus_message*;
-    static constexpr Handle none = nullptr;
-    static void release(Handle handle) { sd_bus_message_unref(handle); }
-};
 
 // Messages need a bus to belong to; nobody listens at this one's other end.
 sd_bus* unansweredBus()
@@ -33,7 +27,7 @@ sd_bus* unansweredBus()
 void requireSameReply(const std::function<void(ReplySink&)>& writeReply)
 {
     static auto* const bus = unansweredBus();
-    Owned<MessageTraits> message;
+    BusMessage message;
     require(sd_bus_message_new_signal(bus, message.out(), "/", "org.orv.Fuzzed", "Reply") >= 0, "there is a message");
     BusMessageSink busSink(message.get());
     writeReply(busSink);

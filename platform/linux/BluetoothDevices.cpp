@@ -1,9 +1,9 @@
 #include "platform/linux/BluetoothDevices.h"
 
 #include "platform/File.h"
-#include "platform/Owned.h"
 #include "platform/linux/AttributeText.h"
 #include "platform/linux/BluezNames.h"
+#include "platform/linux/BusHandles.h"
 #include "platform/linux/BusReading.h"
 
 #include <algorithm>
@@ -18,20 +18,6 @@ namespace {
 
 constexpr std::uint64_t patience = 10'000'000; // microseconds
 constexpr std::uint8_t largestPercentage = 100;
-
-struct BusTraits {
-    using Handle = sd_bus*;
-    static constexpr Handle none = nullptr;
-    static void release(Handle handle) { sd_bus_close_unref(handle); }
-};
-
-struct MessageTraits {
-    using Handle = sd_bus_message*;
-    static constexpr Handle none = nullptr;
-    static void release(Handle handle) { sd_bus_message_unref(handle); }
-};
-
-using Message = Owned<MessageTraits>;
 
 std::string upperCase(std::string text)
 {
@@ -147,9 +133,9 @@ Dictionary properties(const BluetoothDevice& device)
 
 std::vector<BluetoothDevice> bluezDevices()
 {
-    Owned<BusTraits> bus;
-    Message call;
-    Message reply;
+    BusConnection bus;
+    BusMessage call;
+    BusMessage reply;
     const bool isCalled = sd_bus_open_system(bus.out()) >= 0
         && sd_bus_message_new_method_call(
                bus.get(), call.out(), bluezService, "/", "org.freedesktop.DBus.ObjectManager", "GetManagedObjects")

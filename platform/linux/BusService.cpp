@@ -18,14 +18,6 @@ namespace orv {
 
 namespace {
 
-struct MessageTraits {
-    using Handle = sd_bus_message*;
-    static constexpr Handle none = nullptr;
-    static void release(Handle handle) { sd_bus_message_unref(handle); }
-};
-
-using Message = Owned<MessageTraits>;
-
 // False when memory is short or the message cannot hold the reply.
 template <typename WriteReply> bool isBuilt(sd_bus_message* message, WriteReply writeReply)
 {
@@ -40,7 +32,7 @@ template <typename WriteReply> bool isBuilt(sd_bus_message* message, WriteReply 
 
 template <typename WriteReply> int reply(sd_bus_message* call, WriteReply writeReply)
 {
-    Message message;
+    BusMessage message;
     if (const int result = sd_bus_message_new_method_return(call, message.out()); result < 0)
         return result;
     if (isBuilt(message.get(), writeReply))

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/linux/BusHandles.h"
 #include "platform/linux/EventRunLoop.h"
 #include "platform/linux/SimulationInterface.h"
 
@@ -34,12 +35,6 @@ public:
     void onTermination(std::function<void(int signal)> terminate);
 
 private:
-    struct BusTraits {
-        using Handle = sd_bus*;
-        static constexpr Handle none = nullptr;
-        static void release(Handle handle) { sd_bus_flush_close_unref(handle); }
-    };
-
     void runThread(const std::function<void(bool isConnected)>& onConnected);
     int connect();
     void publish();
@@ -58,7 +53,7 @@ private:
 
     EventRunLoop busLoop; // from here on: of the bus thread, except for posting
     SimulationContext simulationContext;
-    Owned<BusTraits> bus;
+    BusConnection bus;
     bool hasFailed = false;
     bool connected = false;
     std::thread thread;

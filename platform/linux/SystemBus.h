@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Owned.h"
+#include "platform/linux/BusHandles.h"
 
 #include <systemd/sd-bus.h>
 
@@ -25,11 +25,6 @@ public:
     void reconnect();
 
 private:
-    struct BusTraits {
-        using Handle = sd_bus*;
-        static constexpr Handle none = nullptr;
-        static void release(Handle handle) { sd_bus_close_unref(handle); }
-    };
     struct Watcher {
         std::function<void(sd_bus*)> addMatches;
         std::function<void()> onChange;
@@ -41,7 +36,7 @@ private:
     static int disconnected(sd_bus_message*, void* systemBus, sd_bus_error*);
 
     sd_event* const event;
-    Owned<BusTraits> bus;
+    BusConnection bus;
     bool isLost = false; // ended, but still to be released
     bool hasAnswered = false;
     std::vector<Watcher> watchers;

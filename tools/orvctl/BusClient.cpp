@@ -1,4 +1,4 @@
-#include "platform/Owned.h"
+#include "platform/linux/BusHandles.h"
 #include "platform/linux/BusNames.h"
 #include "tools/orvctl/BusMessageReader.h"
 #include "tools/orvctl/Client.h"
@@ -16,18 +16,6 @@ namespace {
 constexpr std::uint64_t patience = 10'000'000; // microseconds
 constexpr const char* bundleIdentifier = ORV_BUNDLE_IDENTIFIER;
 
-struct BusTraits {
-    using Handle = sd_bus*;
-    static constexpr Handle none = nullptr;
-    static void release(Handle handle) { sd_bus_flush_close_unref(handle); }
-};
-
-struct MessageTraits {
-    using Handle = sd_bus_message*;
-    static constexpr Handle none = nullptr;
-    static void release(Handle handle) { sd_bus_message_unref(handle); }
-};
-
 ServiceAnswer failure(const char* reason)
 {
     return {std::nullopt, std::string("the service ") + bundleIdentifier + " cannot be asked: " + reason};
@@ -37,13 +25,13 @@ ServiceAnswer failure(const char* reason)
 
 ServiceAnswer askService(Request request)
 {
-    Owned<BusTraits> bus;
+    BusConnection bus;
     if (const int result = sd_bus_open_user(bus.out()); result < 0)
         return failure(std::strerror(-result));
     sd_bus_set_method_call_timeout(bus.get(), patience);
     const auto path = objectPath(bundleIdentifier);
     const char* method = request == Request::thermal ? thermalMethod : bluetoothMethod;
-    Owned<MessageTraits> reply;
+    BusMessage reply;
     sd_bus_error error{};
     const int result = sd_bus_call_method(
         bus.get(), bundleIdentifier, path.c_str(), requestInterface, method, &error, reply.out(), nullptr);
