@@ -2,8 +2,8 @@
 // Times the activation of the service and of the empty program in turn, from the call to its reply, killing each after
 // its reply. Prints one JSON object; times are milliseconds.
 
-#include "bench/support/UnansweredBus.h"
 #include "platform/linux/BusNames.h"
+#include "tests/support/UnansweredBus.h"
 
 #include <signal.h>
 #include <unistd.h>
@@ -37,7 +37,7 @@ void check(int result, const char* what)
 
 unsigned processOf(sd_bus* bus, const std::string& name)
 {
-    Owned<BusMessageTraits> reply;
+    BusMessage reply;
     check(sd_bus_call_method(bus, "org.freedesktop.DBus", "/", "org.freedesktop.DBus", "GetConnectionUnixProcessID",
               nullptr, reply.out(), "s", name.c_str()),
         "no process");
@@ -48,7 +48,7 @@ unsigned processOf(sd_bus* bus, const std::string& name)
 
 bool isOwned(sd_bus* bus, const std::string& name)
 {
-    Owned<BusMessageTraits> reply;
+    BusMessage reply;
     int owned = 0;
     check(sd_bus_call_method(bus, "org.freedesktop.DBus", "/", "org.freedesktop.DBus", "NameHasOwner", nullptr,
               reply.out(), "s", name.c_str()),

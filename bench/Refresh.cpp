@@ -3,7 +3,6 @@
 
 #include "bench/support/Allocations.h"
 #include "bench/support/CatalogueMac.h"
-#include "bench/support/UnansweredBus.h"
 #include "platform/ProcessLauncher.h"
 #include "platform/linux/BusMessageSink.h"
 #include "platform/simulated/ManualRunLoop.h"
@@ -13,6 +12,7 @@
 #include "smc/FourCharCode.h"
 #include "smc/SMC.h"
 #include "smc/SMCParamBlock.h"
+#include "tests/support/UnansweredBus.h"
 #include "thermal/Collection.h"
 
 #include <benchmark/benchmark.h>

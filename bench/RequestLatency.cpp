@@ -1,8 +1,8 @@
 // usage: bench-requests floor COUNT | slow COUNT IDLE_BUS SLOW_BUS | mixed COUNT
 // Asks a running service. Prints one JSON object; times are microseconds.
 
-#include "bench/support/UnansweredBus.h"
 #include "platform/linux/BusNames.h"
+#include "tests/support/UnansweredBus.h"
 #include "tools/orvctl/BusMessageReader.h"
 
 #include <algorithm>
@@ -43,10 +43,10 @@ sd_bus* connection(const char* address)
     return bus;
 }
 
-Owned<BusMessageTraits> call(sd_bus* bus, const char* interface, const char* method)
+BusMessage call(sd_bus* bus, const char* interface, const char* method)
 {
     static const auto path = objectPath(service);
-    Owned<BusMessageTraits> reply;
+    BusMessage reply;
     check(sd_bus_call_method(bus, service, path.c_str(), interface, method, nullptr, reply.out(), nullptr), method);
     return reply;
 }

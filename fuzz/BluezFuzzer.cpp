@@ -7,22 +7,11 @@
 #include "platform/linux/BluetoothDevices.h"
 #include "platform/linux/BluezEvents.h"
 #include "platform/linux/BluezNames.h"
-
-#include <sys/socket.h>
+#include "tests/support/UnansweredBus.h"
 
 using namespace orv;
 
 namespace {
-
-sd_bus* unansweredBus()
-{
-    int ends[2];
-    sd_bus* bus = nullptr;
-    require(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) == 0, "there is a socket pair");
-    require(
-        sd_bus_new(&bus) >= 0 && sd_bus_set_fd(bus, ends[0], ends[0]) >= 0 && sd_bus_start(bus) >= 0, "there is a bus");
-    return bus;
-}
 
 /// Builds a message as the input says. What cannot be appended is left out by the bus library itself.
 class MessageBuilder {
@@ -140,6 +129,7 @@ void requireSameDevices(const std::vector<BluetoothDevice>& devices)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     static auto* const bus = unansweredBus();
+    require(bus, "there is a bus");
     Answers answers(textOf(data, size));
     const auto kind = answers.byte();
     sd_bus_message* message = nullptr;
