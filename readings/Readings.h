@@ -2,11 +2,15 @@
 
 #include "readings/Value.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <map>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <variant>
+#include <vector>
 
 namespace orv {
 
@@ -28,8 +32,36 @@ struct FanEntry {
     bool operator==(const FanEntry&) const = default;
 };
 
-/// Sensor code (an SMC key, a HID sensor code or a fan's actual-speed key) to its reading.
-using ThermalDictionary = std::map<std::string, std::variant<TemperatureEntry, FanEntry>>;
+/// Sensor code (an SMC key, a HID sensor code or a fan's actual-speed key) to its reading. Of a std::map it has what is
+/// needed, in one block of memory: a refresh adds its few dozen readings in order, and frees those of the last one.
+class ThermalDictionary {
+public:
+    using Reading = std::variant<TemperatureEntry, FanEntry>;
+    using Entry = std::pair<std::string, Reading>;
+
+    ThermalDictionary() = default;
+    ThermalDictionary(std::initializer_list<Entry> listed);
+
+    void reserve(std::size_t count) { entries.reserve(count); }
+    /// Stores a reading, replacing an earlier one of the same code. Quick for a code behind all others.
+    void insert_or_assign(std::string code, Reading reading);
+    /// Takes the readings of the codes that this one lacks.
+    void merge(ThermalDictionary& other);
+
+    bool contains(std::string_view code) const;
+    /// Throws std::out_of_range for a code that is not there.
+    const Reading& at(std::string_view code) const;
+
+    bool empty() const { return entries.empty(); }
+    std::size_t size() const { return entries.size(); }
+    std::vector<Entry>::const_iterator begin() const { return entries.begin(); }
+    std::vector<Entry>::const_iterator end() const { return entries.end(); }
+
+    bool operator==(const ThermalDictionary&) const = default;
+
+private:
+    std::vector<Entry> entries; // in ascending order of the codes' bytes, each code once
+};
 
 /// Device key (a Bluetooth address written aa-bb-cc-dd-ee-ff, or a watch file's key) to its levels.
 using BluetoothBatteryDictionary = std::map<std::string, Dictionary>;

@@ -100,7 +100,7 @@ std::size_t characterCount(std::string_view text)
 {
     std::size_t count = 0;
     for (; !text.empty(); ++count)
-        text.remove_prefix(decodeCharacter(text).length);
+        text.remove_prefix(isPlain(text.front()) ? 1 : decodeCharacter(text).length);
     return count;
 }
 

@@ -7,6 +7,7 @@
 #include "thermal/ZpSystemInfo.h"
 
 #include <algorithm>
+#include <bitset>
 #include <cstddef>
 #include <functional>
 #include <optional>
@@ -29,6 +30,7 @@ struct SplitKeys {
 SplitKeys splitKeys(const std::vector<std::string>& keys)
 {
     SplitKeys split;
+    split.temperatures.reserve(keys.size());
     for (const auto& key : keys) {
         if (key.starts_with('F'))
             split.fans.push_back(key);
@@ -55,9 +57,8 @@ std::vector<const SensorKeyPair*> candidates(const std::vector<std::string>& tem
 }
 
 // A failed exchange and a value that is none are the same to a collection.
-std::optional<double> readTemperature(SMC& smc, const std::string& key)
+std::optional<double> readTemperature(SMC& smc, SMCVal& val)
 {
-    SMCVal val{.key = key};
     if (smc.read(val) != KERN_SUCCESS)
         return std::nullopt;
     return decodeValue(val);
@@ -66,27 +67,29 @@ std::optional<double> readTemperature(SMC& smc, const std::string& key)
 /// Temperatures in the order of reading; a title is given out once.
 class TitledTemperatures {
 public:
-    void add(const std::string& key, std::string title, double degrees)
+    explicit TitledTemperatures(std::size_t most) { readings.reserve(most); }
+
+    void add(std::string key, std::string_view title, double degrees)
     {
-        // Most titles differ in their hash, which is compared faster than a text.
-        const auto hash = std::hash<std::string_view>()(title);
-        const auto isThis = [&](const UsedTitle& used) { return used.hash == hash && used.title == title; };
-        if (std::ranges::any_of(titles, isThis))
+        // Most titles are seen to be new without a look at the others.
+        const auto hash = std::hash<std::string_view>()(title) % hashes.size();
+        if (hashes.test(hash) && isGivenOut(title))
             return;
-        const auto added = readings.emplace_hint(readings.end(), key, TemperatureEntry{std::move(title), degrees});
-        titles.push_back({hash, std::get<TemperatureEntry>(added->second).title});
+        hashes.set(hash);
+        readings.insert_or_assign(std::move(key), TemperatureEntry{std::string(title), degrees});
     }
 
     ThermalDictionary take() { return std::move(readings); }
 
 private:
-    struct UsedTitle {
-        std::size_t hash;
-        std::string_view title; // of a reading, which stays where it is
-    };
+    bool isGivenOut(std::string_view title) const
+    {
+        return std::ranges::any_of(
+            readings, [&](const auto& entry) { return std::get<TemperatureEntry>(entry.second).title == title; });
+    }
 
     ThermalDictionary readings;
-    std::vector<UsedTitle> titles;
+    std::bitset<1024> hashes; // of their titles
 };
 
 bool brandContains(std::string_view chip)
@@ -162,13 +165,14 @@ ThermalDictionary collectWithTable(SMC& smc, const SensorTable& table)
 ThermalDictionary readTableTemperatures(
     SMC& smc, const std::vector<std::string>& temperatureKeys, const SensorTable& table)
 {
-    TitledTemperatures temperatures;
-    for (const auto* sensor : candidates(temperatureKeys, table)) {
-        const std::string key(sensor->key);
-        const auto degrees = readTemperature(smc, key);
+    const auto sensors = candidates(temperatureKeys, table);
+    TitledTemperatures temperatures(sensors.size());
+    for (const auto* sensor : sensors) {
+        SMCVal val{.key = std::string(sensor->key)};
+        const auto degrees = readTemperature(smc, val);
         if (!degrees || !(*degrees > smcThreshold))
             continue;
-        temperatures.add(key, std::string(sensor->name), *degrees);
+        temperatures.add(std::move(val.key), sensor->name, *degrees);
     }
     return temperatures.take();
 }
@@ -181,17 +185,18 @@ ThermalDictionary readSocTemperatures(SMC& smc, const std::vector<std::string>& 
         std::erase_if(sensors, [](const auto* sensor) { return keyOf(*sensor).starts_with("Tp0"); });
     const auto fallback = coreFallback(smc);
 
-    TitledTemperatures temperatures;
+    TitledTemperatures temperatures(sensors.size());
     SocCounters counters;
     for (const auto* sensor : sensors) {
-        const std::string key(sensor->key);
+        SMCVal val{.key = std::string(sensor->key)};
+        const auto& key = val.key;
         // Counted before anything can skip the key: a sensor's number is its place, so a failing one leaves a gap.
         counters.count(key);
         if (efficiencyCoreKeys.contains(key) && counters.efficiency > efficiencyCores)
             continue;
         if (performanceCoreKeys.contains(key) && counters.performance > performanceCores)
             continue;
-        auto degrees = readTemperature(smc, key);
+        auto degrees = readTemperature(smc, val);
         if (!degrees)
             continue;
         if (!(*degrees > smcThreshold)) {

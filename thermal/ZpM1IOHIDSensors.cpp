@@ -42,7 +42,7 @@ ThermalDictionary readHIDTemperatures(HIDEventSystem& hidEventSystem)
         const auto* sensor = Orv_SMCProfileKeys::hidSensorNames.find(code);
         if (!sensor || !(degrees > hidThreshold))
             continue;
-        temperatures.emplace(code, TemperatureEntry{std::string(sensor->name), degrees});
+        temperatures.insert_or_assign(code, TemperatureEntry{std::string(sensor->name), degrees});
     }
     return temperatures;
 }
