@@ -1,8 +1,9 @@
 #include "smc/SMCValueDecoding.h"
 
+#include "smc/FourCharCode.h"
+
 #include <algorithm>
 #include <bit>
-#include <cstring>
 
 namespace orv {
 
@@ -68,6 +69,12 @@ constexpr bool fractionBitsFollowTheCodes()
 
 static_assert(rowsFollowTheEnumeration() && fractionBitsFollowTheCodes());
 
+constexpr auto codes = [] {
+    std::array<std::uint32_t, smcValueFormats.size()> each{};
+    std::ranges::transform(smcValueFormats, each.begin(), fourCharCode, &SMCValueFormat::code);
+    return each;
+}();
+
 std::uint32_t bigEndian(const SMCVal& val, std::size_t count)
 {
     std::uint32_t number = 0;
@@ -110,12 +117,9 @@ const SMCValueFormat* smcValueFormat(std::string_view code)
 {
     if (code.size() != codeLength)
         return nullptr;
-    // Every reading passes here: of a length that is known, two codes are compared as two integers.
-    const auto hasCode = [&](const SMCValueFormat& format) {
-        return std::memcmp(format.code.data(), code.data(), codeLength) == 0;
-    };
-    const auto found = std::ranges::find_if(smcValueFormats, hasCode);
-    return found == smcValueFormats.end() ? nullptr : &*found;
+    // Every reading passes here: codes are compared as integers.
+    const auto found = std::ranges::find(codes, fourCharCode(code));
+    return found == codes.end() ? nullptr : &smcValueFormats[static_cast<std::size_t>(found - codes.begin())];
 }
 
 std::optional<double> decodeValue(const SMCVal& val)

@@ -12,15 +12,16 @@ namespace orv::Orv_SMCProfileKeys {
 namespace {
 
 template <const auto& rows> constexpr auto sorted = sortedByKey(rows);
+template <const auto& rows> constexpr auto ordinals = ordinalsOf(sorted<rows>);
 
 } // namespace
 
-constexpr SensorTable intelSensorKeys{intelRows, sorted<intelRows>};
-constexpr SensorTable commonSensorKeys{commonRows, sorted<commonRows>};
-constexpr SensorTable socSensorKeys{socRows, sorted<socRows>};
-constexpr KeyList efficiencyCoreKeys{efficiencyCores, sorted<efficiencyCores>};
-constexpr KeyList performanceCoreKeys{performanceCores, sorted<performanceCores>};
-constexpr SensorTable hidSensorNames{hidRows, sorted<hidRows>};
+constexpr SensorTable intelSensorKeys{intelRows, sorted<intelRows>, ordinals<intelRows>};
+constexpr SensorTable commonSensorKeys{commonRows, sorted<commonRows>, ordinals<commonRows>};
+constexpr SensorTable socSensorKeys{socRows, sorted<socRows>, ordinals<socRows>};
+constexpr KeyList efficiencyCoreKeys{efficiencyCores, sorted<efficiencyCores>, ordinals<efficiencyCores>};
+constexpr KeyList performanceCoreKeys{performanceCores, sorted<performanceCores>, ordinals<performanceCores>};
+constexpr SensorTable hidSensorNames{hidRows, sorted<hidRows>, ordinals<hidRows>};
 
 // A core sensor is counted only when it is read, and it is read only when the SoC table names it.
 static_assert(isSubset(efficiencyCoreKeys, socSensorKeys));

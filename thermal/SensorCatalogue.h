@@ -55,17 +55,32 @@ constexpr std::string_view keyOf(const SensorKeyPair& row)
     return row.key;
 }
 
+/// The first eight bytes as a number: texts without NUL compare as their numbers do.
+constexpr std::uint64_t ordinal(std::string_view text)
+{
+    std::uint64_t number = 0;
+    std::size_t missing = sizeof(number);
+    for (const char character : text.substr(0, sizeof(number))) {
+        number = number << 8 | static_cast<unsigned char>(character);
+        --missing;
+    }
+    return missing == sizeof(number) ? 0 : number << 8 * missing;
+}
+
 /// A constant list of rows with distinct keys. It refers to its rows and owns nothing.
 template <typename Row> struct KeyedTable {
     std::span<const Row> rows; ///< In catalogue order.
     std::span<const Row> sorted; ///< The same rows in ascending order of the key's bytes.
+    std::span<const std::uint64_t> ordinals; ///< Those of the sorted rows' keys.
 
     /// The row of a key, compared exactly and case-sensitively; nullptr when the table does not name it.
     constexpr const Row* find(std::string_view key) const
     {
-        const auto row =
-            std::ranges::lower_bound(sorted, key, std::ranges::less{}, [](const Row& each) { return keyOf(each); });
-        return row != sorted.end() && keyOf(*row) == key ? &*row : nullptr;
+        const auto place = std::ranges::lower_bound(ordinals, ordinal(key));
+        if (place == ordinals.end())
+            return nullptr;
+        const auto& row = sorted[static_cast<std::size_t>(place - ordinals.begin())];
+        return keyOf(row) == key ? &row : nullptr;
     }
 
     constexpr bool contains(std::string_view key) const { return find(key) != nullptr; }
@@ -135,6 +150,13 @@ template <typename Row, std::size_t count> consteval auto sortedByKey(std::array
 {
     std::ranges::sort(rows, std::ranges::less{}, [](const Row& row) { return keyOf(row); });
     return rows;
+}
+
+template <typename Row, std::size_t count> consteval auto ordinalsOf(const std::array<Row, count>& rows)
+{
+    std::array<std::uint64_t, count> ordinals{};
+    std::ranges::transform(rows, ordinals.begin(), [](const Row& row) { return ordinal(keyOf(row)); });
+    return ordinals;
 }
 
 template <typename Row, std::size_t count> consteval bool keysAreUnique(const std::array<Row, count>& rows)

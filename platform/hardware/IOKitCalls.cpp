@@ -5,8 +5,6 @@
 #include <IOKit/IOKitLib.h>
 
 #include <algorithm>
-#include <cstring>
-#include <iterator>
 #include <map>
 #include <string>
 
@@ -45,24 +43,35 @@ State& state()
     return instance;
 }
 
-SMCOutcome answer(const SMCParamBlock& input, SMCParamBlock& output)
+// Reads and writes the caller's blocks in place: what was just stored field by field is slow to copy as a whole. A call
+// that fails writes nothing.
+kern_return_t answer(const SMCParamBlock& input, SMCParamBlock& output)
 {
     auto& hardware = currentHardware();
-    if (input.data8 == kSMCGetKeyFromIndex)
-        return hardware.keyAtIndex(input.data32, output.key);
+    const auto reply = [&](SMCOutcome outcome, auto write) {
+        if (outcome.status == KERN_SUCCESS) {
+            output = {};
+            output.result = outcome.result;
+            write();
+        }
+        return outcome.status;
+    };
+    if (input.data8 == kSMCGetKeyFromIndex) {
+        std::uint32_t key = 0;
+        return reply(hardware.keyAtIndex(input.data32, key), [&] { output.key = key; });
+    }
     if (input.data8 == kSMCGetKeyInfo) {
         Hardware::KeyInfo info;
-        const auto outcome = hardware.keyInfo(input.key, info);
-        output.keyInfo.dataSize = info.dataSize;
-        output.keyInfo.dataType = info.dataType;
-        return outcome;
+        return reply(hardware.keyInfo(input.key, info), [&] {
+            output.keyInfo.dataSize = info.dataSize;
+            output.keyInfo.dataType = info.dataType;
+        });
     }
-    if (input.data8 != kSMCReadBytes)
-        return {.status = badArgument};
-    Hardware::Bytes bytes{};
-    const auto outcome = hardware.readBytes(input.key, bytes);
-    std::ranges::copy(bytes, std::begin(output.bytes));
-    return outcome;
+    if (input.data8 == kSMCReadBytes) {
+        Hardware::Bytes bytes{};
+        return reply(hardware.readBytes(input.key, bytes), [&] { std::ranges::copy(bytes, output.bytes); });
+    }
+    return badArgument;
 }
 
 } // namespace
@@ -153,14 +162,9 @@ extern "C" kern_return_t IOConnectCallStructMethod(mach_port_t connection, uint3
     if (selector != kSMCUserClientSelector || inputStructCnt != sizeof(SMCParamBlock)
         || *outputStructCnt < sizeof(SMCParamBlock))
         return badArgument;
-    SMCParamBlock input;
-    SMCParamBlock output{};
-    std::memcpy(&input, inputStruct, sizeof(input));
-    const auto outcome = answer(input, output);
-    if (outcome.status != KERN_SUCCESS)
-        return outcome.status;
-    output.result = outcome.result;
-    std::memcpy(outputStruct, &output, sizeof(output));
-    *outputStructCnt = sizeof(output);
-    return KERN_SUCCESS;
+    const auto status =
+        answer(*static_cast<const SMCParamBlock*>(inputStruct), *static_cast<SMCParamBlock*>(outputStruct));
+    if (status == KERN_SUCCESS)
+        *outputStructCnt = sizeof(SMCParamBlock);
+    return status;
 }
