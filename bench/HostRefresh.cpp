@@ -1,5 +1,5 @@
-// A refresh of the machine that the program runs on: through the driver's files, against one pread each, and through
-// its key_at_index attributes, against the same three calls a key.
+// A refresh of the machine that the program runs on: through the driver's files, against one pread each and against
+// libsensors, and through its key_at_index attributes, against the same three calls a key.
 
 #include "bench/support/CatalogueMac.h"
 #include "platform/linux/HostHardware.h"
@@ -12,7 +12,11 @@
 #include <benchmark/benchmark.h>
 
 #include <fcntl.h>
+#include <linux/magic.h>
+#include <sched.h>
+#include <sensors/sensors.h>
 #include <sys/mman.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -22,6 +26,14 @@
 #include <vector>
 
 using namespace orv;
+
+// Asked by libsensors alone, which reads no /sys that is not one.
+extern "C" int statfs(const char*, struct statfs* information) noexcept
+{
+    *information = {};
+    information->f_type = SYSFS_MAGIC;
+    return 0;
+}
 
 namespace {
 
@@ -64,6 +76,8 @@ public:
             for (const char* ending : {"_input", "_min", "_max"})
                 add(folder + "fan" + fan + ending, "1200\n");
         }
+        write(folder + "name", "applesmc\n");
+        addToClass(folder);
     }
     DriverFiles(const DriverFiles&) = delete;
     DriverFiles& operator=(const DriverFiles&) = delete;
@@ -73,6 +87,18 @@ public:
     std::vector<std::string> values; // the paths of what a refresh reads
 
 private:
+    // As the kernel lists a driver whose attributes are those of its device.
+    void addToClass(const std::string& folder)
+    {
+        using namespace std::filesystem;
+        create_directories(folder + "hwmon/hwmon0");
+        create_directories(root + "/sys/bus/platform");
+        create_directories(root + "/sys/class/hwmon");
+        create_symlink("../../../bus/platform", folder + "subsystem");
+        create_symlink("../../../applesmc.768", folder + "hwmon/hwmon0/device");
+        create_symlink("../../devices/platform/applesmc.768/hwmon/hwmon0", root + "/sys/class/hwmon/hwmon0");
+    }
+
     void add(const std::string& path, const std::string& text)
     {
         write(path, text);
@@ -107,6 +133,69 @@ void preadOfFiles(benchmark::State& state)
     state.counters["values"] = static_cast<double>(descriptors.size());
     for (const int descriptor : descriptors)
         close(descriptor);
+}
+
+/// Makes a folder the root of the file system for as long as it lives, since libsensors knows no other /sys. Whoever
+/// may not do that as root may do it as one of a user namespace of its own.
+class ChangedRoot {
+public:
+    explicit ChangedRoot(const std::string& folder)
+        : former(open("/", O_PATH | O_DIRECTORY | O_CLOEXEC))
+        , isChanged(chroot(folder.c_str()) == 0 || (unshare(CLONE_NEWUSER) == 0 && chroot(folder.c_str()) == 0))
+    {
+    }
+    ChangedRoot(const ChangedRoot&) = delete;
+    ChangedRoot& operator=(const ChangedRoot&) = delete;
+    ~ChangedRoot()
+    {
+        if (isChanged && (fchdir(former) != 0 || chroot(".") != 0))
+            std::abort();
+        close(former);
+    }
+
+    explicit operator bool() const { return isChanged; }
+
+private:
+    int former;
+    bool isChanged;
+};
+
+struct ChipValue {
+    const sensors_chip_name* chip;
+    int number;
+};
+
+std::vector<ChipValue> valuesOfChips()
+{
+    std::vector<ChipValue> values;
+    int chipNumber = 0;
+    while (const auto* chip = sensors_get_detected_chips(nullptr, &chipNumber)) {
+        int featureNumber = 0;
+        while (const auto* feature = sensors_get_features(chip, &featureNumber)) {
+            int valueNumber = 0;
+            while (const auto* value = sensors_get_all_subfeatures(chip, feature, &valueNumber))
+                values.push_back({chip, value->number});
+        }
+    }
+    return values;
+}
+
+void libsensorsOnFiles(benchmark::State& state)
+{
+    const DriverFiles files;
+    const ChangedRoot root(files.root);
+    if (!root || sensors_init(nullptr) != 0)
+        return state.SkipWithError("libsensors was not given the files");
+    const auto values = valuesOfChips();
+    for (auto _ : state) {
+        for (const auto& [chip, number] : values) {
+            double value = 0;
+            sensors_get_value(chip, number, &value);
+            benchmark::DoNotOptimize(value);
+        }
+    }
+    state.counters["values"] = static_cast<double>(values.size());
+    sensors_cleanup();
 }
 
 /// A driver in memory each of whose calls also is one of the system, as those of a real one are.
@@ -180,6 +269,7 @@ void threeCallsAKey(benchmark::State& state)
 
 BENCHMARK(refreshThroughFiles)->Unit(benchmark::kMicrosecond);
 BENCHMARK(preadOfFiles)->Unit(benchmark::kMicrosecond);
+BENCHMARK(libsensorsOnFiles)->Unit(benchmark::kMicrosecond);
 BENCHMARK(refreshThroughIndex)->Unit(benchmark::kMicrosecond);
 BENCHMARK(threeCallsAKey)->Unit(benchmark::kMicrosecond);
 

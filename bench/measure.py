@@ -128,20 +128,29 @@ class Bench:
         what = f"replies mixed of two refreshes, of {seen['replies']} over {seen['changes']} refreshes"
         return [Row(what, str(seen["mixed"]), "0", seen["mixed"] + (seen["changes"] < 10), 0, unit="")]
 
-    def code(self):
-        report = run(*self.pinned(BIN / "bench-code", "--benchmark_format=json", "--benchmark_min_time=0.1",
+    def medians(self, program):
+        report = run(*self.pinned(BIN / program, "--benchmark_format=json", "--benchmark_min_time=0.1",
                                   "--benchmark_repetitions=11", "--benchmark_enable_random_interleaving=true",
                                   "--benchmark_report_aggregates_only=true"), stderr=subprocess.DEVNULL)
-        median = {each["run_name"]: each for each in report["benchmarks"] if each["aggregate_name"] == "median"}
+        return {each["run_name"]: each for each in report["benchmarks"] if each["aggregate_name"] == "median"}
+
+    def host(self):
+        median = self.medians("bench-host")
+        time_of = {name: each["cpu_time"] for name, each in median.items()}
+        return [ratio("refresh through the kernel driver's 66 files; one pread each", time_of["refreshThroughFiles"],
+                      time_of["preadOfFiles"], 1.6),
+                ratio("the same; libsensors on those files", time_of["refreshThroughFiles"],
+                      time_of["libsensorsOnFiles"], 0.1),
+                ratio("refresh through key_at_index; the same three calls a key", time_of["refreshThroughIndex"],
+                      time_of["threeCallsAKey"], 1.6)]
+
+    def code(self):
+        median = self.medians("bench-code")
         refresh, once = median["refreshAndReply"], median["exchangesOfOneRefresh"]
         rows = [ratio("refresh of 66 keys and its reply body; bare loop", refresh["cpu_time"],
                       median["bareLoop"]["cpu_time"], 1.6, 1.3),
                 Row("allocations an entry of that", f"{refresh['allocationsPerEntry']:.3f}", "",
                     round(refresh["allocationsPerEntry"], 3), 3, unit=""),
-                ratio("refresh through the kernel driver's 66 files; one pread each",
-                      median["refreshThroughFiles"]["cpu_time"], median["preadOfFiles"]["cpu_time"], 1.6),
-                ratio("refresh through key_at_index; the same three calls a key",
-                      median["refreshThroughIndex"]["cpu_time"], median["threeCallsAKey"]["cpu_time"], 1.6),
                 exactly("exchanges of a refresh; two a key", refresh["exchanges"], 2 * 66),
                 exactly("exchanges of the first refresh; and the count, and count + 1", once["first"],
                         2 * 66 + 2 + 67),
@@ -234,7 +243,7 @@ def print_table(rows):
         print("  ".join(cell.ljust(width) for cell, width in zip(cells, widths)).rstrip())
 
 
-MEASURES = ("request", "slow_refresh", "mixed_replies", "code", "wake_ups", "memory", "activation", "endurance")
+MEASURES = ("request", "slow_refresh", "mixed_replies", "code", "host", "wake_ups", "memory", "activation", "endurance")
 
 
 def main():
