@@ -3,8 +3,6 @@
 #include "platform/RunLoop.h"
 #include "platform/linux/SpawnLauncher.h"
 
-#include <time.h>
-
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -20,13 +18,6 @@ constexpr const char* loginManager = "org.freedesktop.login1.Manager";
 // Far above what passes between reading two clocks, far below any real sleep.
 constexpr std::chrono::seconds shortestSleep{1};
 
-std::chrono::nanoseconds now(clockid_t clockIdentifier)
-{
-    timespec time{};
-    clock_gettime(clockIdentifier, &time);
-    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
-}
-
 std::string executable(const std::string& application)
 {
     const std::filesystem::path path(application);
@@ -35,13 +26,6 @@ std::string executable(const std::string& application)
 }
 
 } // namespace
-
-std::chrono::nanoseconds timeAsleep()
-{
-    // In this order, time that passes between the two readings never looks like sleep.
-    const auto sinceBoot = now(CLOCK_BOOTTIME);
-    return sinceBoot - now(CLOCK_MONOTONIC);
-}
 
 LoginWorkspace::LoginWorkspace(
     RunLoop& givenRunLoop, SpawnLauncher& spawnLauncher, SystemBus& systemBus, Clock givenClock)
