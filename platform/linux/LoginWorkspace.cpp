@@ -50,7 +50,7 @@ void LoginWorkspace::openApplication(const std::string& path)
 
 void LoginWorkspace::prepareForSleep(bool isStarting)
 {
-    const bool wasCounted = std::exchange(isWakeCounted, false);
+    const bool wasCounted = std::exchange(isWakeCounted, false) && !hasSleptUnnoticed();
     isSleepAnnounced = isStarting;
     if (isStarting)
         return observers.willSleep();
@@ -67,13 +67,17 @@ void LoginWorkspace::announcerVanished()
 
 void LoginWorkspace::checkClocks()
 {
-    const auto asleep = clock();
-    if (asleep - knownTimeAsleep < shortestSleep)
+    if (!hasSleptUnnoticed())
         return;
-    knownTimeAsleep = asleep;
+    knownTimeAsleep = clock();
     isSleepAnnounced = false;
     isWakeCounted = true;
     observers.didWake();
+}
+
+bool LoginWorkspace::hasSleptUnnoticed() const
+{
+    return clock() - knownTimeAsleep >= shortestSleep;
 }
 
 int LoginWorkspace::prepareForSleepArrived(sd_bus_message* signal, void* workspace, sd_bus_error*)

@@ -40,6 +40,7 @@ private:
     static int prepareForSleepArrived(sd_bus_message* signal, void* workspace, sd_bus_error*);
     static int loginOwnerChanged(sd_bus_message* signal, void* workspace, sd_bus_error*);
     void addMatches(sd_bus* connection);
+    bool hasSleptUnnoticed() const;
 
     RunLoop& runLoop;
     SpawnLauncher& launcher;
