@@ -29,8 +29,7 @@ constexpr std::array<LevelRule, 5> levelRules{{
 template <typename T> const T* memberOf(const Value* parent, std::string_view key)
 {
     const auto* dictionary = parent ? parent->as<Dictionary>() : nullptr;
-    const auto* member = dictionary ? dictionary->find(key) : nullptr;
-    return member ? member->as<T>() : nullptr;
+    return dictionary ? dictionary->findAs<T>(key) : nullptr;
 }
 
 // One element that is no dictionary spoils the whole list of connected devices.

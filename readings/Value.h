@@ -30,6 +30,8 @@ public:
 
     /// The value of a key, or nullptr.
     const Value* find(std::string_view key) const;
+    /// The content of a key's value when it has this type, otherwise nullptr.
+    template <typename T> const T* findAs(std::string_view key) const;
     /// Stores a value, replacing an earlier one of the same key.
     void set(std::string key, Value value);
 
@@ -74,5 +76,11 @@ struct Member {
 
     bool operator==(const Member&) const = default;
 };
+
+template <typename T> const T* Dictionary::findAs(std::string_view key) const
+{
+    const auto* value = find(key);
+    return value ? value->as<T>() : nullptr;
+}
 
 } // namespace orv

@@ -1,9 +1,9 @@
 #include "fuzz/support/RepliesOfBothKinds.h"
 
 #include "fuzz/support/Fuzzer.h"
+#include "platform/linux/BusMessageReader.h"
 #include "platform/linux/BusMessageSink.h"
 #include "tests/support/UnansweredBus.h"
-#include "tools/orvctl/BusMessageReader.h"
 
 namespace orv {
 

@@ -4,7 +4,7 @@
 #include "platform/linux/AttributeText.h"
 #include "platform/linux/BluezNames.h"
 #include "platform/linux/BusHandles.h"
-#include "platform/linux/BusReading.h"
+#include "platform/linux/BusMessageReader.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -40,56 +40,30 @@ bool isAddress(std::string_view text)
     return text.size() == length;
 }
 
-BluetoothDevice readDevice(sd_bus_message* message)
+std::string textOf(const Dictionary& properties, std::string_view name)
 {
-    BluetoothDevice device;
-    readDictionary(message, "{sv}", [&] {
-        const auto property = readText(message);
-        if (property == "Address")
-            device.address = upperCase(std::string(readVariantText(message).value_or("")));
-        else if (property == "Alias")
-            device.name = readVariantText(message).value_or("");
-        else if (property == "Connected")
-            device.isConnected = readBoolean(message).value_or(false);
-        else
-            sd_bus_message_skip(message, "v");
-    });
-    if (device.name.empty())
-        device.name = device.address;
-    return device;
+    const auto* text = properties.findAs<std::string>(name);
+    return text ? *text : "";
 }
 
-std::optional<std::uint8_t> readPercentage(sd_bus_message* message)
+std::optional<std::uint8_t> percentageOf(const Dictionary* battery)
 {
-    std::optional<std::uint8_t> percentage;
-    readDictionary(message, "{sv}", [&] {
-        if (readText(message) == "Percentage")
-            percentage = readByte(message);
-        else
-            sd_bus_message_skip(message, "v");
-    });
-    return percentage && *percentage <= largestPercentage ? percentage : std::nullopt;
+    const auto* percentage = battery ? battery->findAs<std::int64_t>("Percentage") : nullptr;
+    const bool isPercentage = percentage && *percentage >= 0 && *percentage <= largestPercentage;
+    return isPercentage ? std::optional(static_cast<std::uint8_t>(*percentage)) : std::nullopt;
 }
 
-// One object of BlueZ; nothing when it is no device but, say, an adapter.
-std::optional<BluetoothDevice> readObject(sd_bus_message* message)
+// An object of BlueZ by its interfaces; nothing when it is no device but, say, an adapter.
+std::optional<BluetoothDevice> deviceOf(const Dictionary& interfaces)
 {
-    std::optional<BluetoothDevice> device;
-    std::optional<std::uint8_t> percentage;
-    sd_bus_message_skip(message, "o");
-    readDictionary(message, "{sa{sv}}", [&] {
-        const auto interface = readText(message);
-        if (interface == bluezDevice)
-            device = readDevice(message);
-        else if (interface == bluezBattery)
-            percentage = readPercentage(message);
-        else
-            sd_bus_message_skip(message, "a{sv}");
-    });
-    if (!device || device->address.empty())
+    const auto* properties = interfaces.findAs<Dictionary>(bluezDevice);
+    const auto address = properties ? upperCase(textOf(*properties, "Address")) : "";
+    if (address.empty())
         return std::nullopt;
-    device->percentage = percentage;
-    return device;
+    const auto name = textOf(*properties, "Alias");
+    const auto* isConnected = properties->findAs<bool>("Connected");
+    return BluetoothDevice{address, name.empty() ? address : name, isConnected && *isConnected,
+        percentageOf(interfaces.findAs<Dictionary>(bluezBattery))};
 }
 
 std::string firstLine(const std::filesystem::path& path)
@@ -149,10 +123,11 @@ std::vector<BluetoothDevice> bluezDevices()
 std::vector<BluetoothDevice> readManagedObjects(sd_bus_message* reply)
 {
     std::vector<BluetoothDevice> devices;
-    readDictionary(reply, "{oa{sa{sv}}}", [&] {
-        if (auto device = readObject(reply))
+    for (const auto& [path, object] : readBusDictionary(reply)) {
+        const auto* interfaces = object.as<Dictionary>();
+        if (auto device = interfaces ? deviceOf(*interfaces) : std::nullopt)
             devices.push_back(std::move(*device));
-    });
+    }
     return devices;
 }
 

@@ -1,33 +1,19 @@
 #include "platform/linux/BluezEvents.h"
 
 #include "platform/linux/BluezNames.h"
-#include "platform/linux/BusReading.h"
+#include "platform/linux/BusMessageReader.h"
 
-#include <optional>
+#include <string_view>
 #include <utility>
 
 namespace orv {
 
 namespace {
 
-struct DeviceProperties {
-    std::optional<bool> connected;
-    std::optional<bool> paired;
-};
-
-DeviceProperties readProperties(sd_bus_message* message)
+bool isTrue(const Dictionary& properties, std::string_view name)
 {
-    DeviceProperties properties;
-    readDictionary(message, "{sv}", [&] {
-        const auto name = readText(message);
-        if (name == "Connected")
-            properties.connected = readBoolean(message);
-        else if (name == "Paired")
-            properties.paired = readBoolean(message);
-        else
-            sd_bus_message_skip(message, "v");
-    });
-    return properties;
+    const auto* truth = properties.findAs<bool>(name);
+    return truth && *truth;
 }
 
 } // namespace
@@ -35,22 +21,18 @@ DeviceProperties readProperties(sd_bus_message* message)
 DeviceChange changedProperties(sd_bus_message* signal)
 {
     sd_bus_message_skip(signal, "s");
-    const auto properties = readProperties(signal);
-    return {.isConnected = properties.connected == true, .isPairingChanged = properties.paired.has_value()};
+    const auto properties = readBusDictionary(signal);
+    return {.isConnected = isTrue(properties, "Connected"),
+        .isPairingChanged = properties.findAs<bool>("Paired") != nullptr};
 }
 
 DeviceChange addedInterfaces(sd_bus_message* signal)
 {
-    DeviceChange change;
     sd_bus_message_skip(signal, "o");
-    readDictionary(signal, "{sa{sv}}", [&] {
-        const auto interface = readText(signal);
-        const auto properties = readProperties(signal);
-        const bool isDevice = interface == bluezDevice;
-        change.isConnected |= interface == bluezBattery || (isDevice && properties.connected == true);
-        change.isPairingChanged |= isDevice && properties.paired == true;
-    });
-    return change;
+    const auto interfaces = readBusDictionary(signal);
+    const auto* device = interfaces.findAs<Dictionary>(bluezDevice);
+    return {.isConnected = interfaces.find(bluezBattery) || (device && isTrue(*device, "Connected")),
+        .isPairingChanged = device && isTrue(*device, "Paired")};
 }
 
 void BluezEvents::observe(std::function<void()> onConnected, std::function<void()> onPairedChanged)

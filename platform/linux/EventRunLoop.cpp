@@ -1,9 +1,9 @@
 #include "platform/linux/EventRunLoop.h"
 
+#include "platform/linux/Clocks.h"
 #include "platform/linux/FreeMemory.h"
 
 #include <sys/eventfd.h>
-#include <time.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -16,13 +16,6 @@
 namespace orv {
 
 namespace {
-
-TimerQueue::Instant monotonicTime()
-{
-    timespec time{};
-    clock_gettime(CLOCK_MONOTONIC, &time);
-    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
-}
 
 TimerQueue::Duration nanoseconds(Seconds seconds)
 {
@@ -87,14 +80,14 @@ EventRunLoop::~EventRunLoop()
 
 std::unique_ptr<Timer> EventRunLoop::scheduleRepeating(Seconds interval, std::function<void()> fire)
 {
-    const auto identifier = timers.scheduleRepeating(monotonicTime(), nanoseconds(interval), std::move(fire));
+    const auto identifier = timers.scheduleRepeating(timeAwake(), nanoseconds(interval), std::move(fire));
     armTimeSource();
     return std::make_unique<LoopTimer>(*this, identifier);
 }
 
 void EventRunLoop::runAfter(Seconds delay, std::function<void()> run)
 {
-    timers.scheduleOnce(monotonicTime(), nanoseconds(delay), std::move(run));
+    timers.scheduleOnce(timeAwake(), nanoseconds(delay), std::move(run));
     armTimeSource();
 }
 
@@ -141,7 +134,7 @@ void EventRunLoop::exit(int status)
 int EventRunLoop::timeReached(sd_event_source*, std::uint64_t, void* loop)
 {
     auto& self = *static_cast<EventRunLoop*>(loop);
-    guarded([&] { self.timers.runDue(monotonicTime()); });
+    guarded([&] { self.timers.runDue(timeAwake()); });
     giveFreeMemoryBack();
     self.armTimeSource();
     return 0;

@@ -3,8 +3,6 @@
 #include "platform/RunLoop.h"
 #include "platform/linux/SpawnLauncher.h"
 
-#include <time.h>
-
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -20,13 +18,6 @@ constexpr const char* loginManager = "org.freedesktop.login1.Manager";
 // Far above what passes between reading two clocks, far below any real sleep.
 constexpr std::chrono::seconds shortestSleep{1};
 
-std::chrono::nanoseconds now(clockid_t clockIdentifier)
-{
-    timespec time{};
-    clock_gettime(clockIdentifier, &time);
-    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
-}
-
 std::string executable(const std::string& application)
 {
     const std::filesystem::path path(application);
@@ -35,13 +26,6 @@ std::string executable(const std::string& application)
 }
 
 } // namespace
-
-std::chrono::nanoseconds timeAsleep()
-{
-    // In this order, time that passes between the two readings never looks like sleep.
-    const auto sinceBoot = now(CLOCK_BOOTTIME);
-    return sinceBoot - now(CLOCK_MONOTONIC);
-}
 
 LoginWorkspace::LoginWorkspace(
     RunLoop& givenRunLoop, SpawnLauncher& spawnLauncher, SystemBus& systemBus, Clock givenClock)
@@ -66,7 +50,7 @@ void LoginWorkspace::openApplication(const std::string& path)
 
 void LoginWorkspace::prepareForSleep(bool isStarting)
 {
-    const bool wasCounted = std::exchange(isWakeCounted, false);
+    const bool wasCounted = std::exchange(isWakeCounted, false) && !hasSleptUnnoticed();
     isSleepAnnounced = isStarting;
     if (isStarting)
         return observers.willSleep();
@@ -83,13 +67,17 @@ void LoginWorkspace::announcerVanished()
 
 void LoginWorkspace::checkClocks()
 {
-    const auto asleep = clock();
-    if (asleep - knownTimeAsleep < shortestSleep)
+    if (!hasSleptUnnoticed())
         return;
-    knownTimeAsleep = asleep;
+    knownTimeAsleep = clock();
     isSleepAnnounced = false;
     isWakeCounted = true;
     observers.didWake();
+}
+
+bool LoginWorkspace::hasSleptUnnoticed() const
+{
+    return clock() - knownTimeAsleep >= shortestSleep;
 }
 
 int LoginWorkspace::prepareForSleepArrived(sd_bus_message* signal, void* workspace, sd_bus_error*)

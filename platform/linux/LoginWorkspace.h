@@ -2,6 +2,7 @@
 
 #include "platform/SleepWakeObservers.h"
 #include "platform/Workspace.h"
+#include "platform/linux/Clocks.h"
 #include "platform/linux/SystemBus.h"
 
 #include <chrono>
@@ -14,9 +15,6 @@ namespace orv {
 
 class RunLoop;
 class SpawnLauncher;
-
-/// How long the computer has slept since it was started: CLOCK_BOOTTIME less CLOCK_MONOTONIC.
-std::chrono::nanoseconds timeAsleep();
 
 /// Sleep and wake as logind announces them. A sleep that nobody announced shows in the clocks afterwards and counts as
 /// one wake.
@@ -42,6 +40,7 @@ private:
     static int prepareForSleepArrived(sd_bus_message* signal, void* workspace, sd_bus_error*);
     static int loginOwnerChanged(sd_bus_message* signal, void* workspace, sd_bus_error*);
     void addMatches(sd_bus* connection);
+    bool hasSleptUnnoticed() const;
 
     RunLoop& runLoop;
     SpawnLauncher& launcher;

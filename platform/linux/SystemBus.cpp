@@ -25,10 +25,11 @@ void SystemBus::reconnect()
     hasAnswered = false;
     if (!open())
         return;
-    for (const auto& watcher : watchers)
-        watcher.addMatches(bus.get());
+    // Asked first: nothing that a match brings comes from a bus whose end would not be told.
     sd_bus_call_method_async(bus.get(), nullptr, "org.freedesktop.DBus", "/org/freedesktop/DBus",
         "org.freedesktop.DBus.Peer", "Ping", answered, this, "");
+    for (const auto& watcher : watchers)
+        watcher.addMatches(bus.get());
 }
 
 // Neither opening nor attaching waits: the bus answers the greeting when the loop runs.
@@ -51,11 +52,11 @@ void SystemBus::tellOfChange() const
         watcher.onChange();
 }
 
-// A bus that takes connections only to drop them never gets here, and so is tried again without a word.
-int SystemBus::answered(sd_bus_message* reply, void* systemBus, sd_bus_error*)
+// A bus that takes connections only to drop them is not ready here, and so is tried again without a word.
+int SystemBus::answered(sd_bus_message*, void* systemBus, sd_bus_error*)
 {
     auto& self = *static_cast<SystemBus*>(systemBus);
-    if (sd_bus_message_is_method_error(reply, nullptr) != 0)
+    if (sd_bus_is_ready(self.bus.get()) <= 0)
         return 0;
     self.hasAnswered = true;
     self.tellOfChange();

@@ -1,6 +1,6 @@
 #include "platform/linux/BusHandles.h"
+#include "platform/linux/BusMessageReader.h"
 #include "platform/linux/BusNames.h"
-#include "tools/orvctl/BusMessageReader.h"
 #include "tools/orvctl/Client.h"
 
 #include <systemd/sd-bus.h>
@@ -41,7 +41,7 @@ ServiceAnswer askService(Request request)
         return answer;
     }
     auto value = readBusValue(reply.get());
-    return value ? ServiceAnswer{std::move(value), {}} : failure("its reply cannot be read");
+    return value && value->as<Dictionary>() ? ServiceAnswer{std::move(value), {}} : failure("its reply cannot be read");
 }
 
 } // namespace orv

@@ -73,8 +73,7 @@ std::string row(std::string_view text)
 
 template <typename T> T member(const Dictionary& dictionary, std::string_view key)
 {
-    const auto* value = dictionary.find(key);
-    const auto* content = value ? value->as<T>() : nullptr;
+    const auto* content = dictionary.findAs<T>(key);
     return content ? *content : T{};
 }
 

@@ -2,6 +2,7 @@
 
 #include "bluetooth/SystemProfilerReport.h"
 #include "platform/json/JSONWriter.h"
+#include "tests/support/UnansweredBus.h"
 
 #include <gtest/gtest.h>
 
@@ -31,6 +32,27 @@ TEST(BluetoothDevicesTest, ReportHasTheLayoutThatIsReadElsewhere)
     ASSERT_EQ(levels.size(), 1u);
     EXPECT_EQ(levels.at("aa-bb-cc-dd-ee-01"), Dictionary({{"batteryLevel", std::int64_t{85}}}));
     EXPECT_EQ(report({}), R"({"SPBluetoothDataType": [{}]})");
+}
+
+TEST(BluetoothDevicesTest, DevicesAreFoundAmongWhateverElseBluezTells)
+{
+    const BusConnection bus(unansweredBus());
+    const auto reply = newMessage(bus.get());
+    // An adapter, a device with properties of every kind and a level beyond 100, and one whose name is a number.
+    ASSERT_GE(sd_bus_message_append(reply.get(), "a{oa{sa{sv}}}", 3, //
+                  "/org/bluez/hci0", 1, "org.bluez.Adapter1", 1, "Address", "s", "AA:BB:CC:DD:EE:00", //
+                  "/org/bluez/hci0/one", 3, //
+                  "org.bluez.Device1", 8, "UUIDs", "as", 1, "1812", "RSSI", "n", -40, "Class", "u", 1280, //
+                  "Adapter", "o", "/org/bluez/hci0", "ManufacturerData", "a{qv}", 1, 76, "ay", 2, 1, 2, //
+                  "Address", "s", "aa:bb:cc:dd:ee:01", "Connected", "b", 1, "Alias", "s", "Mouse", //
+                  "org.bluez.Battery1", 1, "Percentage", "y", 101, "org.bluez.Input1", 0, //
+                  "/org/bluez/hci0/two", 2, //
+                  "org.bluez.Battery1", 1, "Percentage", "y", 85, //
+                  "org.bluez.Device1", 2, "Alias", "u", 5, "Address", "s", two.c_str()),
+        0);
+    ASSERT_GE(sd_bus_message_seal(reply.get(), 1, 0), 0);
+    EXPECT_EQ(
+        report(readManagedObjects(reply.get())), report({{one, "Mouse", true, std::nullopt}, {two, two, false, 85}}));
 }
 
 TEST(BluetoothDevicesTest, NoDeviceIsListedTwice)

@@ -49,6 +49,17 @@ TEST_F(LoginWorkspaceTest, ClocksThatAreSeenBeforeTheAnnouncementCountTheSameWak
     }
 }
 
+TEST_F(LoginWorkspaceTest, WakeAfterACountedOneIsTold)
+{
+    asleep += 1h; // unannounced, and seen only after the next sleep was announced
+    workspace.prepareForSleep(true);
+    workspace.checkClocks();
+    asleep += 1h;
+    workspace.prepareForSleep(false);
+    workspace.checkClocks();
+    EXPECT_EQ(told, "sleep wake wake ");
+}
+
 TEST_F(LoginWorkspaceTest, SleepThatNobodyAnnouncedIsOneWake)
 {
     workspace.checkClocks();

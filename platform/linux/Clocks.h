@@ -1,0 +1,13 @@
+#pragma once
+
+#include <chrono>
+
+namespace orv {
+
+/// CLOCK_MONOTONIC: the time since the computer was started, without what it has slept.
+std::chrono::nanoseconds timeAwake();
+
+/// How long the computer has slept since it was started: CLOCK_BOOTTIME less CLOCK_MONOTONIC.
+std::chrono::nanoseconds timeAsleep();
+
+} // namespace orv
