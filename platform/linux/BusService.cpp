@@ -88,8 +88,11 @@ void BusService::onTermination(std::function<void(int signal)> callBack)
 {
     busLoop.post([this, callBack = std::move(callBack)] {
         terminate = callBack;
-        for (const int signal : {SIGTERM, SIGINT})
-            sd_event_add_signal(busLoop.event(), nullptr, signal, terminationArrived, &terminate);
+        for (const int signal : {SIGTERM, SIGINT}) {
+            const int result = sd_event_add_signal(busLoop.event(), nullptr, signal, terminationArrived, &terminate);
+            if (result < 0)
+                fail("cannot wait for signals", result);
+        }
     });
 }
 
@@ -121,6 +124,8 @@ int BusService::connect()
 
 void BusService::publish()
 {
+    if (hasFailed)
+        return;
     const auto path = objectPath(bundleIdentifier);
     int result = sd_bus_add_object_vtable(bus.get(), nullptr, path.c_str(), requestInterface, requestMethods, this);
     if (result >= 0 && simulation)

@@ -154,9 +154,9 @@ class ProcessTest(unittest.TestCase):
         """Refreshes the readings, then starts the sources' own refreshes."""
         self.simulate("Wake")
 
-    def until(self, condition):
+    def until(self, condition, pause=0.1):
         """Waits for what tells nobody when it happens."""
         deadline = time.monotonic() + PATIENCE
         while not condition():
             self.assertLess(time.monotonic(), deadline, "waited in vain")
-            time.sleep(0.1)
+            time.sleep(pause)
