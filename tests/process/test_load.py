@@ -3,7 +3,6 @@
 import itertools
 import json
 import os
-import pathlib
 import select
 import signal
 import unittest
@@ -27,8 +26,8 @@ def simulation(method, arguments=b"", signature=None):
 
 
 def request(arguments=b"", signature="", **fields):
-    return message(CALL, arguments, **{**HELPER_OBJECT, "interface": REQUESTS, "member": "getModelDatawithReply", **fields},
-                   signature=signature)
+    fields = {**HELPER_OBJECT, "interface": REQUESTS, "member": "getModelDatawithReply", **fields}
+    return message(CALL, arguments, **fields, signature=signature)
 
 
 REFUSALS = (
@@ -74,10 +73,6 @@ class LoadTest(ProcessTest):
     def memory(self, name="VmRSS"):
         with open(f"/proc/{self.helper.pid}/status", encoding="utf-8") as status:
             return next(int(line.split()[1]) for line in status if line.startswith(name)) * 1024
-
-    def helper_rests(self):
-        tasks = pathlib.Path(f"/proc/{self.helper.pid}/task").glob("*/stat")
-        return all(task.read_text().rpartition(")")[2].split()[0] == "S" for task in tasks)
 
     def test_client_that_does_not_read_costs_the_helper_no_memory(self):
         self.start_helper(large_mac())

@@ -1,5 +1,6 @@
 """Too few descriptors, and too little memory."""
 
+import itertools
 import os
 import resource
 import signal
@@ -38,45 +39,56 @@ class ShortageTest(ProcessTest):
         return struct.unpack("<I", reply.body)[0] == 1
 
     def start_limited(self, limit):
-        """Whether it serves. Otherwise it has refused in one line, or in more of a sanitizer's."""
+        """Whether it serves. Otherwise it has refused in one line."""
         self.until(lambda: not self.is_served(), pause=0.02)  # by the helper before this one
         self.launch_helper("prlimit", limit, HELPER, "--simulate", self.machine_file(mac(watch=WATCH)))
         self.until(lambda: self.helper.poll() is not None or self.is_served(), pause=0.02)
         is_served = self.helper.poll() is None
         status, complaints = self.end_helper(signal.SIGTERM if is_served else None)
+        if IS_SANITIZED:
+            return is_served  # a sanitizer runs short itself, at any time, and has more to say
         self.assertEqual(list(self.temporary.iterdir()), [])
         if is_served:
             self.assertEqual((status, complaints), (-signal.SIGTERM, ""))
-        elif not IS_SANITIZED:
+        else:
             self.assertIn(status, (1, 2, 127))
             self.assertRegex(complaints, r"\A[^\n]+\n\Z")
         return is_served
 
     def test_start_with_few_descriptors(self):
         outcomes = []
-        for count in range(5, 17):
+        for count in range(5, 20):
             with self.subTest(count=count):
                 outcomes.append(self.start_limited(f"--nofile={count}"))
-        self.assertEqual(outcomes, sorted(outcomes))
         self.assertEqual((outcomes[0], outcomes[-1]), (False, True))
+        self.assertTrue(IS_SANITIZED or outcomes == sorted(outcomes), outcomes)
 
     def test_start_with_little_memory(self):
         for megabytes in range(4, 32):
             with self.subTest(megabytes=megabytes):
                 self.start_limited(f"--as={megabytes << 20}")
 
+    def refresh_at(self, temperature):
+        self.simulate("SetTemperature", "sd", "TC0P", str(temperature))
+        self.wake()
+
     def test_running_out_of_descriptors_ends_the_reports_alone(self):
-        self.start_helper(mac(bluetooth=report(70)))
-        self.until(lambda: self.levels() == device(70))  # without an event, so that no report is under way then
+        # Nothing is done for the first time when there is no descriptor left, since a sanitizer may need one to look at
+        # it; and one report at a time is asked for, so that none is under way then.
+        self.start_helper(mac(bluetooth=report(60)))
+        self.until(lambda: self.levels() == device(60))
+        self.machine_file(mac(bluetooth=report(70)))
+        self.refresh_at(39)
+        self.until(lambda: self.levels() == device(70))
         self.machine_file(mac(bluetooth=report(80)))
-        most = max(int(name) for name in os.listdir(f"/proc/{self.helper.pid}/fd"))
-        lift = self.lower(resource.RLIMIT_NOFILE, most + 1)
+        self.until(self.helper_rests)
+        used = os.listdir(f"/proc/{self.helper.pid}/fd")
+        lowest_free = next(number for number in itertools.count() if str(number) not in used)
+        lift = self.lower(resource.RLIMIT_NOFILE, lowest_free)
         for number in range(40, 60):
             if number == 50:
                 lift()
-            self.simulate("SetTemperature", "sd", "TC0P", str(number))
-            self.simulate("ConnectBluetoothDevice")
-            self.wake()
+            self.refresh_at(number)
             # No report after the one that could not be asked for, as long as the process lives.
             self.assertEqual((self.temperatures()["TC0P"], self.levels()), (number, device(70)))
 
