@@ -5,9 +5,11 @@
 #include "platform/linux/SimulationInterface.h"
 #include "service/OrvSMCHelperServer.h"
 
+#include <poll.h>
 #include <signal.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <future>
@@ -17,6 +19,23 @@
 namespace orv {
 
 namespace {
+
+constexpr std::uint64_t mostWaitingMessages = 16; // of the usual size they fit into the socket
+constexpr int longestWait = 100; // milliseconds, in which no signal is noticed
+
+// A bus may pass calls on faster than it takes replies, which would pile up here: until they have gone nothing more is
+// read, and the calls wait at the bus.
+int waitForRoom(sd_bus_message* message, void*, sd_bus_error*)
+{
+    auto* const bus = sd_bus_message_get_bus(message);
+    std::uint64_t waiting = 0;
+    if (sd_bus_get_n_queued_write(bus, &waiting) < 0 || waiting < mostWaitingMessages)
+        return 0;
+    pollfd output{sd_bus_get_fd(bus), POLLOUT, 0};
+    if (poll(&output, 1, longestWait) > 0)
+        sd_bus_flush(bus);
+    return 0;
+}
 
 // False when memory is short or the message cannot hold the reply.
 template <typename WriteReply> bool isBuilt(sd_bus_message* message, WriteReply writeReply)
@@ -88,8 +107,11 @@ void BusService::onTermination(std::function<void(int signal)> callBack)
 {
     busLoop.post([this, callBack = std::move(callBack)] {
         terminate = callBack;
-        for (const int signal : {SIGTERM, SIGINT})
-            sd_event_add_signal(busLoop.event(), nullptr, signal, terminationArrived, &terminate);
+        for (const int signal : {SIGTERM, SIGINT}) {
+            const int result = sd_event_add_signal(busLoop.event(), nullptr, signal, terminationArrived, &terminate);
+            if (result < 0)
+                fail("cannot wait for signals", result);
+        }
     });
 }
 
@@ -116,11 +138,15 @@ int BusService::connect()
             "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected", disconnected, this);
         result < 0)
         return result;
+    if (const int result = sd_bus_add_filter(bus.get(), nullptr, waitForRoom, nullptr); result < 0)
+        return result;
     return sd_bus_attach_event(bus.get(), busLoop.event(), SD_EVENT_PRIORITY_NORMAL);
 }
 
 void BusService::publish()
 {
+    if (hasFailed)
+        return;
     const auto path = objectPath(bundleIdentifier);
     int result = sd_bus_add_object_vtable(bus.get(), nullptr, path.c_str(), requestInterface, requestMethods, this);
     if (result >= 0 && simulation)

@@ -6,9 +6,6 @@
 #include <sys/eventfd.h>
 
 #include <cerrno>
-#include <cstdio>
-#include <cstdlib>
-#include <exception>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -27,18 +24,6 @@ void check(int result, const char* what)
 {
     if (result < 0)
         throw std::system_error(-result, std::generic_category(), what);
-}
-
-// No exception may cross sd-event's frames or leave a thread. What arrives here is a shortage, of memory or
-// descriptors.
-template <typename Work> void guarded(Work&& work)
-{
-    try {
-        work();
-    } catch (const std::exception& shortage) {
-        std::fprintf(stderr, "orv-smc-helper: cannot go on: %s\n", shortage.what());
-        std::_Exit(1);
-    }
 }
 
 } // namespace
@@ -104,8 +89,8 @@ void EventRunLoop::postToBackground(std::function<void()> run)
         const std::lock_guard lock(mutex);
         ++backgroundWork;
     }
-    auto work = [this, run = std::move(run)]() mutable {
-        guarded(run);
+    auto work = [this, run = std::move(run)]() mutable noexcept {
+        run();
         run = nullptr; // what it holds goes before the end is told
         endBackgroundWork();
     };
@@ -116,7 +101,8 @@ void EventRunLoop::postToBackground(std::function<void()> run)
     }
 }
 
-int EventRunLoop::run()
+// No exception may cross sd-event's frames.
+int EventRunLoop::run() noexcept
 {
     const int status = sd_event_loop(event());
     return status < 0 ? 1 : status;
@@ -131,16 +117,16 @@ void EventRunLoop::exit(int status)
     });
 }
 
-int EventRunLoop::timeReached(sd_event_source*, std::uint64_t, void* loop)
+int EventRunLoop::timeReached(sd_event_source*, std::uint64_t, void* loop) noexcept
 {
     auto& self = *static_cast<EventRunLoop*>(loop);
-    guarded([&] { self.timers.runDue(timeAwake()); });
+    self.timers.runDue(timeAwake());
     giveFreeMemoryBack();
     self.armTimeSource();
     return 0;
 }
 
-int EventRunLoop::postArrived(sd_event_source*, int, std::uint32_t, void* loop)
+int EventRunLoop::postArrived(sd_event_source*, int, std::uint32_t, void* loop) noexcept
 {
     auto& self = *static_cast<EventRunLoop*>(loop);
     std::vector<std::function<void()>> arrived;
@@ -151,7 +137,7 @@ int EventRunLoop::postArrived(sd_event_source*, int, std::uint32_t, void* loop)
         arrived = std::exchange(self.posted, {});
     }
     for (const auto& run : arrived)
-        guarded(run);
+        run();
     return 0;
 }
 

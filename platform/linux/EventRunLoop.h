@@ -15,7 +15,8 @@
 namespace orv {
 
 /// A run loop on sd-event and CLOCK_MONOTONIC. The thread that calls `run` is its main thread. Its own sorted list
-/// stands behind one sd-event timer, because sd-event leaves the order of equal times open.
+/// stands behind one sd-event timer, because sd-event leaves the order of equal times open. An exception that leaves
+/// what it runs, on whatever thread, ends the program by std::terminate.
 class EventRunLoop final : public RunLoop {
 public:
     /// Throws std::system_error when the kernel has no descriptor left.
@@ -29,7 +30,7 @@ public:
     void postToBackground(std::function<void()> run) override;
 
     /// Runs until `exit`; returns its status.
-    int run();
+    int run() noexcept;
     /// Ends the loop after what is running now. Any thread; the first status counts.
     void exit(int status);
 
@@ -50,8 +51,8 @@ private:
 
     class LoopTimer;
 
-    static int timeReached(sd_event_source*, std::uint64_t, void* loop);
-    static int postArrived(sd_event_source*, int, std::uint32_t, void* loop);
+    static int timeReached(sd_event_source*, std::uint64_t, void* loop) noexcept;
+    static int postArrived(sd_event_source*, int, std::uint32_t, void* loop) noexcept;
     void endBackgroundWork();
     void armTimeSource();
 

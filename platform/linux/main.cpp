@@ -1,3 +1,4 @@
+#include "platform/Fatal.h"
 #include "platform/linux/BusService.h"
 #include "platform/linux/EventRunLoop.h"
 #include "platform/linux/HostPlatform.h"
@@ -13,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <new>
 #include <optional>
 #include <string>
 
@@ -128,6 +130,24 @@ CommandLine parseCommandLine(int argumentCount, char** arguments)
     return {.status = 2};
 }
 
+// Of all threads. Nothing here throws, except the standard library for want of memory or descriptors.
+void endForShortage()
+{
+    try {
+        if (const auto shortage = std::current_exception())
+            std::rethrow_exception(shortage);
+    } catch (const std::exception& shortage) {
+        std::fprintf(stderr, "orv-smc-helper: cannot go on: %s\n", shortage.what());
+    }
+    try {
+        if (beforeFatalStop)
+            beforeFatalStop();
+    } catch (const std::bad_alloc&) {
+        std::_Exit(1);
+    }
+    std::_Exit(1);
+}
+
 } // namespace
 
 int main(int argumentCount, char** arguments)
@@ -135,10 +155,6 @@ int main(int argumentCount, char** arguments)
     const auto commandLine = parseCommandLine(argumentCount, arguments);
     if (commandLine.status)
         return *commandLine.status;
-    try {
-        return commandLine.machinePath ? serveSimulated(commandLine.machinePath) : serveHost();
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "orv-smc-helper: %s\n", error.what());
-        return 1;
-    }
+    std::set_terminate(endForShortage);
+    return commandLine.machinePath ? serveSimulated(commandLine.machinePath) : serveHost();
 }

@@ -17,6 +17,16 @@ std::string watchFolder(const std::string& container)
     return container + "/Library/Application Support";
 }
 
+std::string watchPath(const std::string& container)
+{
+    return watchFolder(container) + "/applewatchbt.json";
+}
+
+std::string unfinished(const std::string& path)
+{
+    return path + ".new";
+}
+
 std::optional<std::string> temporaryContainer()
 {
     const char* parent = std::getenv("TMPDIR");
@@ -39,9 +49,17 @@ bool writeFile(const std::string& path, const std::string& content)
 
 void replaceFile(const std::string& path, const std::string& content)
 {
-    const auto unfinished = path + ".new";
-    if (writeFile(unfinished, content))
-        std::rename(unfinished.c_str(), path.c_str());
+    const auto written = unfinished(path);
+    if (writeFile(written, content))
+        std::rename(written.c_str(), path.c_str());
+}
+
+// By name, because listing a folder takes a descriptor, and there may be none.
+void removeFolders(const std::string& container)
+{
+    const auto file = watchPath(container);
+    for (const auto& path : {unfinished(file), file, watchFolder(container), container + "/Library", container})
+        std::remove(path.c_str());
 }
 
 } // namespace
@@ -78,16 +96,15 @@ void SimulatedBundle::runCompanion()
     if (!container)
         container = temporaryContainer();
     if (container)
-        replaceFile(watchFolder(*container) + "/applewatchbt.json", *watchFile);
+        replaceFile(watchPath(*container), *watchFile);
 }
 
 void SimulatedBundle::removeContainer()
 {
     const std::lock_guard lock(mutex);
     isRemoved = true;
-    std::error_code error;
     if (container)
-        std::filesystem::remove_all(*container, error);
+        removeFolders(*container);
     container.reset();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Fatal.h"
 #include "platform/Platform.h"
 #include "platform/simulated/SimulatedBluetoothEvents.h"
 #include "platform/simulated/SimulatedBundle.h"
@@ -12,7 +13,7 @@ namespace orv {
 
 /// A simulated Mac with everything around it except the run loop and the launcher. Main thread only.
 struct SimulatedPlatform {
-    /// Puts the Mac behind the IOKit and sysctl calls.
+    /// Puts the Mac behind the IOKit and sysctl calls. A fatal stop leaves no container behind.
     SimulatedPlatform(
         const MachineFile& machine, const std::string& identifier, RunLoop& runLoop, ProcessLauncher& processLauncher)
         : mac(machine)
@@ -21,7 +22,9 @@ struct SimulatedPlatform {
     {
         setHardware(mac);
         workspace.onOpen = [this](const std::string&) { bundle.runCompanion(); };
+        beforeFatalStop = [this] { bundle.removeContainer(); };
     }
+    ~SimulatedPlatform() { beforeFatalStop = nullptr; }
     SimulatedPlatform(const SimulatedPlatform&) = delete;
     SimulatedPlatform& operator=(const SimulatedPlatform&) = delete;
 

@@ -130,6 +130,10 @@ class ProcessTest(unittest.TestCase):
     def complaints(self):
         return (self.folder / "stderr").read_text(encoding="utf-8")
 
+    def helper_rests(self):
+        tasks = pathlib.Path(f"/proc/{self.helper.pid}/task").glob("*/stat")
+        return all(task.read_text().rpartition(")")[2].split()[0] == "S" for task in tasks)
+
     def call_command(self, interface, method, *arguments):
         return ("busctl", "--user", "--json=short", f"--timeout={PATIENCE}", "call", NAME, PATH, interface, method,
                 *arguments)
@@ -154,9 +158,9 @@ class ProcessTest(unittest.TestCase):
         """Refreshes the readings, then starts the sources' own refreshes."""
         self.simulate("Wake")
 
-    def until(self, condition):
+    def until(self, condition, pause=0.1):
         """Waits for what tells nobody when it happens."""
         deadline = time.monotonic() + PATIENCE
         while not condition():
             self.assertLess(time.monotonic(), deadline, "waited in vain")
-            time.sleep(0.1)
+            time.sleep(pause)

@@ -84,6 +84,16 @@ class FaultTest(ProcessTest):
         status, complaints = self.end_helper()
         self.assertEqual((status, complaints.count("\n"), self.container()), (1, 1, []))
 
+    def test_container_goes_with_a_later_fatal_stop(self):
+        machine = mac(watch=WATCH)
+        next(row for row in machine["smc"] if row["key"] == "F0Ac").update(type="flt ", bytes=["00009644", "0000c07f"])
+        self.start_helper(machine)
+        self.assertEqual(len(self.container()), 1)
+        self.start(*self.call_command(SIMULATION, "Wake"), stderr=subprocess.DEVNULL)
+        status, complaints = self.end_helper()
+        self.assertEqual((status, self.container()), (-signal.SIGABRT, []))
+        self.assertEqual(complaints, "orv: fatal error: a fan speed is out of range\n")
+
     def test_container_goes_with_the_process(self):
         for how in signal.SIGTERM, signal.SIGINT:
             with self.subTest(how=how):
