@@ -1,22 +1,14 @@
 #pragma once
 
-#include <cstdio>
-#include <cstdlib>
 #include <functional>
 
 namespace orv {
 
 /// What must not be left undone when the process stops at a fault; may be empty. Set while there is only one thread,
 /// and called at most once, on the thread that met the fault.
-inline std::function<void()> beforeFatalStop;
+extern std::function<void()> beforeFatalStop;
 
 /// A broken precondition: one line on standard error, then abort.
-[[noreturn]] inline void fatalError(const char* message)
-{
-    std::fprintf(stderr, "orv: fatal error: %s\n", message);
-    if (beforeFatalStop)
-        beforeFatalStop();
-    std::abort();
-}
+[[noreturn]] void fatalError(const char* message);
 
 } // namespace orv
