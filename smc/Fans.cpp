@@ -25,7 +25,7 @@ std::int64_t roundedSpeed(SMC& smc, const std::string& key)
 
 } // namespace
 
-ThermalDictionary readFans(SMC& smc, const std::vector<std::string>& fanKeys)
+ThermalDictionary readFans(SMC& smc, const std::vector<std::string_view>& fanKeys)
 {
     ThermalDictionary fans;
     for (std::int64_t index = 0; index < maxFanCount; ++index) {

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace orv::Orv_SMCHelper {
@@ -13,7 +14,7 @@ inline constexpr std::int64_t maxFanCount = 15;
 
 /// The fans whose actual-speed keys ("F0Ac" to "FEAc") are among `fanKeys`, under those keys. An unreadable speed
 /// counts as 0. The SMC must be open.
-ThermalDictionary readFans(SMC& smc, const std::vector<std::string>& fanKeys);
+ThermalDictionary readFans(SMC& smc, const std::vector<std::string_view>& fanKeys);
 
 /// "Left Side", "Right Side", then "Fan 2", "Fan 3", …; a single fan is "Left Side" too.
 std::string fanTitle(std::int64_t index);

@@ -22,9 +22,10 @@ namespace {
 
 constexpr double smcThreshold = 10.0;
 
+// Of the list that the SMC keeps.
 struct SplitKeys {
-    std::vector<std::string> fans;
-    std::vector<std::string> temperatures;
+    std::vector<std::string_view> fans;
+    std::vector<std::string_view> temperatures;
 };
 
 SplitKeys splitKeys(const std::vector<std::string>& keys)
@@ -42,11 +43,12 @@ SplitKeys splitKeys(const std::vector<std::string>& keys)
 
 // The rows whose keys the SMC lists, in ascending order of the keys' bytes, which decides both who owns a shared title
 // and how cores are counted. A table's rows lie in that order, so it is that of their addresses.
-std::vector<const SensorKeyPair*> candidates(const std::vector<std::string>& temperatureKeys, const SensorTable& table)
+std::vector<const SensorKeyPair*> candidates(
+    const std::vector<std::string_view>& temperatureKeys, const SensorTable& table)
 {
     std::vector<const SensorKeyPair*> rows;
     rows.reserve(temperatureKeys.size());
-    for (const auto& key : temperatureKeys) {
+    for (const auto key : temperatureKeys) {
         if (const auto* row = table.find(key))
             rows.push_back(row);
     }
@@ -163,7 +165,7 @@ ThermalDictionary collectWithTable(SMC& smc, const SensorTable& table)
 }
 
 ThermalDictionary readTableTemperatures(
-    SMC& smc, const std::vector<std::string>& temperatureKeys, const SensorTable& table)
+    SMC& smc, const std::vector<std::string_view>& temperatureKeys, const SensorTable& table)
 {
     const auto sensors = candidates(temperatureKeys, table);
     TitledTemperatures temperatures(sensors.size());
@@ -177,7 +179,7 @@ ThermalDictionary readTableTemperatures(
     return temperatures.take();
 }
 
-ThermalDictionary readSocTemperatures(SMC& smc, const std::vector<std::string>& temperatureKeys,
+ThermalDictionary readSocTemperatures(SMC& smc, const std::vector<std::string_view>& temperatureKeys,
     std::int64_t efficiencyCores, std::int64_t performanceCores)
 {
     auto sensors = candidates(temperatureKeys, socSensorKeys);

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace orv::Orv_SMCHelper {
@@ -26,11 +27,11 @@ ThermalDictionary collectWithTable(SMC& smc, const SensorTable& table);
 /// The temperatures above 10 degrees of the keys that the table names. Of several keys with one title the first in
 /// ascending order of bytes is kept.
 ThermalDictionary readTableTemperatures(
-    SMC& smc, const std::vector<std::string>& temperatureKeys, const SensorTable& table);
+    SMC& smc, const std::vector<std::string_view>& temperatureKeys, const SensorTable& table);
 
 /// The same for the system on a chip, where cores and GPU sensors are titled by counting, and no more cores are read
 /// than the machine has.
-ThermalDictionary readSocTemperatures(SMC& smc, const std::vector<std::string>& temperatureKeys,
+ThermalDictionary readSocTemperatures(SMC& smc, const std::vector<std::string_view>& temperatureKeys,
     std::int64_t efficiencyCores, std::int64_t performanceCores);
 
 /// The title of an SoC sensor, given the numbers that its kind has reached.
