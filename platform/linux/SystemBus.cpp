@@ -37,6 +37,7 @@ bool SystemBus::open()
 {
     isLost = false;
     const bool isOpen = sd_bus_open_system(bus.out()) >= 0
+        && sd_bus_add_filter(bus.get(), nullptr, dropUnvouched, nullptr) >= 0
         && sd_bus_match_signal_async(bus.get(), nullptr, "org.freedesktop.DBus.Local", "/org/freedesktop/DBus/Local",
                "org.freedesktop.DBus.Local", "Disconnected", disconnected, nullptr, this)
             >= 0
@@ -50,6 +51,13 @@ void SystemBus::tellOfChange() const
 {
     for (const auto& watcher : watchers)
         watcher.onChange();
+}
+
+// A signal that is sent to us alone passes no match of the bus, so that its sender may be anybody.
+int SystemBus::dropUnvouched(sd_bus_message* message, void*, sd_bus_error*)
+{
+    const bool isSignal = sd_bus_message_is_signal(message, nullptr, nullptr) > 0;
+    return isSignal && sd_bus_message_get_destination(message) ? 1 : 0;
 }
 
 // A bus that takes connections only to drop them is not ready here, and so is tried again without a word.

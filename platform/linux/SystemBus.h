@@ -32,6 +32,7 @@ private:
 
     bool open();
     void tellOfChange() const;
+    static int dropUnvouched(sd_bus_message* message, void*, sd_bus_error*);
     static int answered(sd_bus_message* reply, void* systemBus, sd_bus_error*);
     static int disconnected(sd_bus_message*, void* systemBus, sd_bus_error*);
 

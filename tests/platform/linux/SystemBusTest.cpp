@@ -50,12 +50,14 @@ protected:
         }
     }
 
-    void announceSleep()
+    void announceSleep(const char* destination = nullptr)
     {
         constexpr const char* login = "org.freedesktop.login1";
         const auto signal =
             fakeBus.newSignal(login, "/org/freedesktop/login1", "org.freedesktop.login1.Manager", "PrepareForSleep");
         sd_bus_message_append(signal.get(), "b", 1);
+        if (destination)
+            sd_bus_message_set_destination(signal.get(), destination);
         fakeBus.send(signal);
         settle();
     }
@@ -87,6 +89,14 @@ TEST_F(SystemBusTest, SleepEndsWithTheBusOnWhichItWasAnnounced)
         announced += !told.empty();
     }
     EXPECT_GT(announced, 0);
+}
+
+TEST_F(SystemBusTest, SignalThatNoMatchOfTheBusLetThroughIsNotHeard)
+{
+    announceSleep(":1.1");
+    EXPECT_EQ(told, "");
+    announceSleep();
+    EXPECT_EQ(told, "sleep ");
 }
 
 TEST_F(SystemBusTest, BusThatOnlyDropsConnectionsIsNoChange)
