@@ -2,6 +2,7 @@
 
 #include "platform/linux/BusMessageSink.h"
 #include "platform/linux/BusNames.h"
+#include "platform/linux/ProgramEnd.h"
 #include "platform/linux/SimulationInterface.h"
 #include "service/OrvSMCHelperServer.h"
 
@@ -10,7 +11,6 @@
 
 #include <cerrno>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 #include <future>
 #include <new>
@@ -167,10 +167,9 @@ void BusService::fail(const std::string& what, int error)
     if (hasFailed)
         return;
     hasFailed = true;
-    if (error < 0)
-        std::fprintf(stderr, "orv-smc-helper: %s: %s\n", what.c_str(), std::strerror(-error));
-    else
-        std::fprintf(stderr, "orv-smc-helper: %s\n", what.c_str());
+    tellOfEnd(what.c_str(), error < 0 ? std::strerror(-error) : nullptr);
+    if (error == -ENOMEM)
+        endAtOnce(); // the bus library stops at what such a failure leaves behind
     mainLoop.exit(1);
 }
 

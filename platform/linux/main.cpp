@@ -1,8 +1,8 @@
-#include "platform/Fatal.h"
 #include "platform/linux/BusService.h"
 #include "platform/linux/EventRunLoop.h"
 #include "platform/linux/HostPlatform.h"
 #include "platform/linux/ProfilerProgram.h"
+#include "platform/linux/ProgramEnd.h"
 #include "platform/linux/SpawnLauncher.h"
 #include "platform/simulated/MachineFile.h"
 #include "platform/simulated/SimulatedPlatform.h"
@@ -14,7 +14,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <new>
 #include <optional>
 #include <string>
 
@@ -137,15 +136,9 @@ void endForShortage()
         if (const auto shortage = std::current_exception())
             std::rethrow_exception(shortage);
     } catch (const std::exception& shortage) {
-        std::fprintf(stderr, "orv-smc-helper: cannot go on: %s\n", shortage.what());
+        tellOfEnd("cannot go on", shortage.what());
     }
-    try {
-        if (beforeFatalStop)
-            beforeFatalStop();
-    } catch (const std::bad_alloc&) {
-        std::_Exit(1);
-    }
-    std::_Exit(1);
+    endAtOnce();
 }
 
 } // namespace

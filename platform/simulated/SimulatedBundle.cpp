@@ -1,41 +1,24 @@
 #include "platform/simulated/SimulatedBundle.h"
 
+#include <sys/stat.h>
 #include <unistd.h> // mkdtemp, on macOS
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <system_error>
+#include <string_view>
 #include <utility>
 
 namespace orv {
 
 namespace {
 
-std::string watchFolder(const std::string& container)
-{
-    return container + "/Library/Application Support";
-}
+constexpr std::string_view placeholder = "XXXXXX"; // of mkdtemp
 
-std::string watchPath(const std::string& container)
-{
-    return watchFolder(container) + "/applewatchbt.json";
-}
-
-std::string unfinished(const std::string& path)
-{
-    return path + ".new";
-}
-
-std::optional<std::string> temporaryContainer()
+std::string containerTemplate()
 {
     const char* parent = std::getenv("TMPDIR");
-    auto path = std::string(parent && *parent ? parent : "/tmp") + "/orv-smc-helper-XXXXXX";
-    if (!mkdtemp(path.data()))
-        return std::nullopt;
-    std::error_code error;
-    std::filesystem::create_directories(watchFolder(path), error);
-    return path;
+    return std::string(parent && *parent ? parent : "/tmp").append("/orv-smc-helper-").append(placeholder);
 }
 
 bool writeFile(const std::string& path, const std::string& content)
@@ -47,26 +30,12 @@ bool writeFile(const std::string& path, const std::string& content)
     return std::fclose(file) == 0 && isWritten;
 }
 
-void replaceFile(const std::string& path, const std::string& content)
-{
-    const auto written = unfinished(path);
-    if (writeFile(written, content))
-        std::rename(written.c_str(), path.c_str());
-}
-
-// By name, because listing a folder takes a descriptor, and there may be none.
-void removeFolders(const std::string& container)
-{
-    const auto file = watchPath(container);
-    for (const auto& path : {unfinished(file), file, watchFolder(container), container + "/Library", container})
-        std::remove(path.c_str());
-}
-
 } // namespace
 
 SimulatedBundle::SimulatedBundle(std::string givenIdentifier, std::optional<std::string> givenWatchFile)
     : bundleIdentifier(std::move(givenIdentifier))
     , watchFile(std::move(givenWatchFile))
+    , paths{.container = containerTemplate()}
 {
 }
 
@@ -84,28 +53,45 @@ std::vector<std::string> SimulatedBundle::resources(const std::string& extension
 
 std::optional<std::string> SimulatedBundle::groupContainer(const std::string&) const
 {
-    const std::lock_guard lock(mutex);
-    return container;
+    {
+        const std::lock_guard lock(mutex);
+        if (state != State::present)
+            return std::nullopt;
+    }
+    return paths.container;
 }
 
 void SimulatedBundle::runCompanion()
 {
     const std::lock_guard lock(mutex);
-    if (!watchFile || isRemoved)
+    if (!watchFile || state == State::removed || (state == State::absent && !makeContainer()))
         return;
-    if (!container)
-        container = temporaryContainer();
-    if (container)
-        replaceFile(watchPath(*container), *watchFile);
+    if (writeFile(paths.unfinished, *watchFile))
+        std::rename(paths.unfinished.c_str(), paths.file.c_str());
 }
 
 void SimulatedBundle::removeContainer()
 {
     const std::lock_guard lock(mutex);
-    isRemoved = true;
-    if (container)
-        removeFolders(*container);
-    container.reset();
+    if (std::exchange(state, State::removed) != State::present)
+        return;
+    // By name, because listing a folder takes a descriptor, and there may be none.
+    for (const auto* path : {&paths.unfinished, &paths.file, &paths.support, &paths.library, &paths.container})
+        std::remove(path->c_str());
+}
+
+bool SimulatedBundle::makeContainer()
+{
+    auto& container = paths.container;
+    std::ranges::copy(placeholder, container.end() - placeholder.size()); // an attempt that failed may have changed it
+    if (!mkdtemp(container.data()))
+        return false;
+    for (auto* path : {&paths.library, &paths.support, &paths.file, &paths.unfinished})
+        std::ranges::copy(container, path->begin());
+    for (const auto* folder : {&paths.library, &paths.support})
+        mkdir(folder->c_str(), S_IRWXU);
+    state = State::present;
+    return true;
 }
 
 } // namespace orv

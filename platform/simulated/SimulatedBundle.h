@@ -27,12 +27,21 @@ public:
     void removeContainer();
 
 private:
+    bool makeContainer();
+
     const std::string bundleIdentifier;
     const std::optional<std::string> watchFile;
 
+    // Nothing allocates while the mutex is held: when memory runs out, the container is still to be removed.
     mutable std::mutex mutex;
-    std::optional<std::string> container; // a path
-    bool isRemoved = false;
+    enum class State { absent, present, removed } state = State::absent;
+    struct Paths {
+        std::string container;
+        std::string library = container + "/Library";
+        std::string support = library + "/Application Support";
+        std::string file = support + "/applewatchbt.json";
+        std::string unfinished = file + ".new";
+    } paths; // their common beginning gets its final name with the container
 };
 
 } // namespace orv
