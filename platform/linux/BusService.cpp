@@ -97,10 +97,13 @@ BusService::~BusService()
 
 void BusService::resume(const OrvSMCHelperServer& helperServer)
 {
-    busLoop.post([this, &helperServer] {
+    std::promise<void> attempt;
+    busLoop.post([this, &helperServer, &attempt] {
         server = &helperServer;
         publish();
+        attempt.set_value();
     });
+    attempt.get_future().wait();
 }
 
 void BusService::onTermination(std::function<void(int signal)> callBack)

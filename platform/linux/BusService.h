@@ -28,7 +28,8 @@ public:
     /// False when there is no bus; the main loop has then been told to end.
     bool isConnected() const { return connected; }
 
-    /// Publishes the object and claims the name, unless the bundle identifier is empty. The server must outlive this.
+    /// Publishes the object and claims the name, unless the bundle identifier is empty; returns when that is done or
+    /// has failed. The server must outlive this.
     void resume(const OrvSMCHelperServer& server);
 
     /// Calls back on the bus thread when SIGTERM or SIGINT, which every thread must block, arrives.

@@ -85,6 +85,11 @@ void EventRunLoop::post(std::function<void()> run)
 
 void EventRunLoop::postToBackground(std::function<void()> run)
 {
+    post([this, run = std::move(run)]() mutable { startInBackground(std::move(run)); });
+}
+
+void EventRunLoop::startInBackground(std::function<void()> run)
+{
     {
         const std::lock_guard lock(mutex);
         ++backgroundWork;

@@ -27,6 +27,7 @@ public:
     std::unique_ptr<Timer> scheduleRepeating(Seconds interval, std::function<void()> fire) override;
     void runAfter(Seconds delay, std::function<void()> run) override;
     void post(std::function<void()> run) override;
+    /// Starts it from the loop: what is asked for during start-up waits until `run`, and does not compete with it.
     void postToBackground(std::function<void()> run) override;
 
     /// Runs until `exit`; returns its status.
@@ -53,6 +54,7 @@ private:
 
     static int timeReached(sd_event_source*, std::uint64_t, void* loop) noexcept;
     static int postArrived(sd_event_source*, int, std::uint32_t, void* loop) noexcept;
+    void startInBackground(std::function<void()> run);
     void endBackgroundWork();
     void armTimeSource();
 

@@ -42,6 +42,16 @@ TEST(EventRunLoop, RunsPostedWorkOfAnyThreadOnItsOwn)
     EXPECT_EQ(background, 8);
 }
 
+TEST(EventRunLoop, StartsNothingInTheBackgroundBeforeItRuns)
+{
+    bool isStarted = false;
+    {
+        EventRunLoop loop; // waits for background work when it ends
+        loop.postToBackground([&] { isStarted = true; });
+    }
+    EXPECT_FALSE(isStarted);
+}
+
 TEST(EventRunLoop, KeepsTheFirstExitStatus)
 {
     EventRunLoop loop;
