@@ -11,6 +11,8 @@ namespace orv {
 
 namespace {
 
+constexpr int mostWaitingCalls = 1000;
+
 using Call = std::shared_ptr<sd_bus_message>;
 using Change = std::function<bool(SimulatedPlatform&)>;
 
@@ -26,11 +28,15 @@ void answer(const Call& call, bool isDone)
 // The message stays with the bus thread: the main loop only carries it, and the last reference is dropped there.
 int changeSimulation(sd_bus_message* message, void* userdata, Change change)
 {
-    const auto& context = *static_cast<SimulationContext*>(userdata);
+    auto& context = *static_cast<SimulationContext*>(userdata);
+    if (context.waitingCalls == mostWaitingCalls)
+        return sd_bus_reply_method_errorf(message, SD_BUS_ERROR_LIMITS_EXCEEDED, "too many calls wait already");
     auto* call = new Call(sd_bus_message_ref(message), sd_bus_message_unref);
-    context.mainLoop->post([context, call, change = std::move(change)] {
+    ++context.waitingCalls;
+    context.mainLoop->post([&context, call, change = std::move(change)] {
         const bool isDone = change(*context.simulation);
-        context.busLoop->post([call, isDone] {
+        context.busLoop->post([&context, call, isDone] {
+            --context.waitingCalls;
             answer(*call, isDone);
             delete call;
         });

@@ -132,6 +132,16 @@ class LoadTest(ProcessTest):
         self.wake()
         self.assertEqual([reply.body for reply in client.ask(THERMAL, BLUETOOTH)], good)
 
+    def test_changes_that_a_slow_refresh_keeps_waiting_are_limited(self):
+        self.start_helper(mac(exchangeDelay=150))  # a refresh takes two seconds
+        client = self.client()
+        change = simulation("SetTemperature", named_number("TC0P", 60.0))
+        replies = client.ask(simulation("Wake"), *[change] * 3000)
+        refused = [reply.error for reply in replies if reply.error]
+        self.assertEqual(set(refused), {"org.freedesktop.DBus.Error.LimitsExceeded"})
+        self.assertGreaterEqual(len(replies) - len(refused), 1000)
+        self.assertIsNone(client.ask(change)[0].error)
+
     def test_clients_that_never_pause_see_whole_readings(self):
         self.start_helper(mac(watch={"watch-1": {"batteryLevel": 80}}))
         driver, clients = self.client(), [self.client() for _ in range(6)]
