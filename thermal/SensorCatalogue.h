@@ -55,7 +55,8 @@ constexpr std::string_view keyOf(const SensorKeyPair& row)
     return row.key;
 }
 
-/// The first eight bytes as a number: texts without NUL compare as their numbers do.
+/// The first eight bytes as a number: texts without NUL compare as their numbers do, and texts of one length up to
+/// eight are equal when their numbers are.
 constexpr std::uint64_t ordinal(std::string_view text)
 {
     std::uint64_t number = 0;
@@ -76,11 +77,12 @@ template <typename Row> struct KeyedTable {
     /// The row of a key, compared exactly and case-sensitively; nullptr when the table does not name it.
     constexpr const Row* find(std::string_view key) const
     {
-        const auto place = std::ranges::lower_bound(ordinals, ordinal(key));
-        if (place == ordinals.end())
+        const auto number = ordinal(key);
+        const auto place = std::ranges::lower_bound(ordinals, number);
+        if (place == ordinals.end() || *place != number)
             return nullptr;
         const auto& row = sorted[static_cast<std::size_t>(place - ordinals.begin())];
-        return keyOf(row) == key ? &row : nullptr;
+        return keyOf(row).size() == key.size() ? &row : nullptr; // no row's key is longer than its number
     }
 
     constexpr bool contains(std::string_view key) const { return find(key) != nullptr; }
