@@ -68,6 +68,8 @@ constexpr std::uint64_t ordinal(std::string_view text)
     return missing == sizeof(number) ? 0 : number << 8 * missing;
 }
 
+static_assert(sizeof(SensorKey::characters) <= sizeof(std::uint64_t)); // so a table's numbers tell its keys apart
+
 /// A constant list of rows with distinct keys. It refers to its rows and owns nothing.
 template <typename Row> struct KeyedTable {
     std::span<const Row> rows; ///< In catalogue order.
@@ -82,7 +84,7 @@ template <typename Row> struct KeyedTable {
         if (place == ordinals.end() || *place != number)
             return nullptr;
         const auto& row = sorted[static_cast<std::size_t>(place - ordinals.begin())];
-        return keyOf(row).size() == key.size() ? &row : nullptr; // no row's key is longer than its number
+        return keyOf(row).size() == key.size() ? &row : nullptr;
     }
 
     constexpr bool contains(std::string_view key) const { return find(key) != nullptr; }
