@@ -2,7 +2,7 @@
 // Times the activation of the service and of the empty program in turn, from the call to its reply, killing each after
 // its reply. Prints one JSON object; times are milliseconds.
 
-#include "platform/linux/BusNames.h"
+#include "linux/bus/BusNames.h"
 #include "tests/support/UnansweredBus.h"
 
 #include <signal.h>

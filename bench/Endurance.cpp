@@ -8,10 +8,10 @@
 #include "bluetooth/OrvBluetoothAppleWatch.h"
 #include "bluetooth/OrvBluetoothSysProfile.h"
 #include "platform/ProcessLauncher.h"
-#include "platform/simulated/ManualRunLoop.h"
-#include "platform/simulated/SimulatedPlatform.h"
 #include "service/OrvSMCHelperServer.h"
 #include "service/Replies.h"
+#include "simulated/ManualRunLoop.h"
+#include "simulated/SimulatedPlatform.h"
 #include "smc/SMC.h"
 #include "thermal/OrvTemperatureFans.h"
 

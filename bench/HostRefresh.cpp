@@ -2,8 +2,8 @@
 // libsensors, and through its key_at_index attributes, against the same three calls a key.
 
 #include "bench/support/CatalogueMac.h"
-#include "platform/linux/HostHardware.h"
-#include "platform/simulated/MachineFile.h"
+#include "linux/drivers/HostHardware.h"
+#include "simulated/MachineFile.h"
 #include "smc/FourCharCode.h"
 #include "smc/SMC.h"
 #include "tests/support/FakeDriver.h"

@@ -1,8 +1,8 @@
 // usage: bench-requests floor COUNT | slow COUNT IDLE_BUS SLOW_BUS | mixed COUNT
 // Asks a running service. Prints one JSON object; times are microseconds.
 
-#include "platform/linux/BusMessageReader.h"
-#include "platform/linux/BusNames.h"
+#include "linux/bus/BusMessageReader.h"
+#include "linux/bus/BusNames.h"
 #include "tests/support/UnansweredBus.h"
 
 #include <algorithm>

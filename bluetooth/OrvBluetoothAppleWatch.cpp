@@ -1,7 +1,7 @@
 #include "bluetooth/OrvBluetoothAppleWatch.h"
 
+#include "base/File.h"
 #include "platform/Bundle.h"
-#include "platform/File.h"
 #include "platform/JSON.h"
 
 #include <cstddef>

@@ -3,11 +3,11 @@
 #include "bluetooth/SystemProfilerReport.h"
 #include "fuzz/support/Fuzzer.h"
 #include "fuzz/support/MessageBuilder.h"
-#include "platform/json/JSONWriter.h"
-#include "platform/linux/BluetoothDevices.h"
-#include "platform/linux/BluezEvents.h"
-#include "platform/linux/BluezNames.h"
+#include "linux/bluez/BluetoothDevices.h"
+#include "linux/bluez/BluezEvents.h"
+#include "linux/bluez/BluezNames.h"
 #include "tests/support/UnansweredBus.h"
+#include "json/JSONWriter.h"
 
 using namespace orv;
 

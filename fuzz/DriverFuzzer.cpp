@@ -3,7 +3,7 @@
 #include "fuzz/support/Answers.h"
 #include "fuzz/support/Fuzzer.h"
 #include "fuzz/support/RepliesOfBothKinds.h"
-#include "platform/linux/HostHardware.h"
+#include "linux/drivers/HostHardware.h"
 #include "service/Replies.h"
 #include "smc/SMC.h"
 #include "thermal/Collection.h"

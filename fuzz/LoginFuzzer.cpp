@@ -4,9 +4,9 @@
 #include "fuzz/support/Answers.h"
 #include "fuzz/support/Fuzzer.h"
 #include "fuzz/support/MessageBuilder.h"
-#include "platform/linux/EventRunLoop.h"
-#include "platform/linux/LoginWorkspace.h"
-#include "platform/linux/SpawnLauncher.h"
+#include "linux/LoginWorkspace.h"
+#include "linux/SpawnLauncher.h"
+#include "linux/loop/EventRunLoop.h"
 #include "tests/support/FakeSystemBus.h"
 
 #include <array>

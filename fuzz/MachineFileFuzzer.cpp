@@ -1,8 +1,8 @@
 // A machine file's bytes. What is accepted must hold what a machine relies on; what is not must say why in one line.
 
 #include "fuzz/support/Fuzzer.h"
-#include "platform/simulated/MachineFile.h"
-#include "platform/simulated/SimulatedMac.h"
+#include "simulated/MachineFile.h"
+#include "simulated/SimulatedMac.h"
 
 #include <algorithm>
 

@@ -4,9 +4,9 @@
 #include "fuzz/support/Fuzzer.h"
 #include "fuzz/support/RepliesOfBothKinds.h"
 #include "platform/ProcessLauncher.h"
-#include "platform/simulated/ManualRunLoop.h"
-#include "platform/simulated/SimulatedPlatform.h"
 #include "service/Replies.h"
+#include "simulated/ManualRunLoop.h"
+#include "simulated/SimulatedPlatform.h"
 
 using namespace orv;
 

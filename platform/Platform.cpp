@@ -1,6 +1,6 @@
 #include "platform/Platform.h"
 
-#include "platform/Fatal.h"
+#include "base/Fatal.h"
 
 namespace orv {
 

@@ -1,6 +1,6 @@
 #include "smc/Fans.h"
 
-#include "platform/Fatal.h"
+#include "base/Fatal.h"
 #include "readings/Integers.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "smc/SMC.h"
 
-#include "platform/Fatal.h"
-#include "platform/Owned.h"
+#include "base/Fatal.h"
+#include "base/Owned.h"
 #include "readings/Integers.h"
 #include "readings/Text.h"
 #include "smc/FourCharCode.h"

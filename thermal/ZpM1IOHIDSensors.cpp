@@ -1,6 +1,6 @@
 #include "thermal/ZpM1IOHIDSensors.h"
 
-#include "platform/Fatal.h"
+#include "base/Fatal.h"
 #include "readings/Integers.h"
 #include "smc/FourCharCode.h"
 #include "thermal/Orv_SMCProfileKeys.h"

@@ -1,6 +1,6 @@
 #include "thermal/ZpSystemInfo.h"
 
-#include "platform/Fatal.h"
+#include "base/Fatal.h"
 #include "readings/Text.h"
 
 #include <sys/sysctl.h>

@@ -1,7 +1,7 @@
 #include "bench/support/CatalogueMac.h"
 
-#include "platform/json/JSONWriter.h"
 #include "thermal/Orv_SMCProfileKeys.h"
+#include "json/JSONWriter.h"
 
 #include <cstdint>
 #include <cstdio>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/hardware/Hardware.h"
+#include "hardware/Hardware.h"
 
 #include <algorithm>
 #include <array>

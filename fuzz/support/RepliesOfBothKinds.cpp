@@ -1,8 +1,8 @@
 #include "fuzz/support/RepliesOfBothKinds.h"
 
 #include "fuzz/support/Fuzzer.h"
-#include "platform/linux/BusMessageReader.h"
-#include "platform/linux/BusMessageSink.h"
+#include "linux/bus/BusMessageReader.h"
+#include "linux/bus/BusMessageSink.h"
 #include "tests/support/UnansweredBus.h"
 
 namespace orv {

@@ -1,6 +1,6 @@
 #include "platform/JSON.h"
 
-#include "tests/platform/JSONCases.h"
+#include "tests/json/JSONCases.h"
 
 #include <gtest/gtest.h>
 

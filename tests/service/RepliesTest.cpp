@@ -1,7 +1,7 @@
 #include "service/Replies.h"
 
-#include "platform/json/JSONReader.h"
-#include "platform/json/JSONWriter.h"
+#include "json/JSONReader.h"
+#include "json/JSONWriter.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/SMCAttributes.h"
+#include "linux/drivers/SMCAttributes.h"
 
 #include <cstdint>
 #include <functional>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/FileDescriptor.h"
-#include "platform/linux/BusHandles.h"
+#include "base/FileDescriptor.h"
+#include "linux/bus/BusHandles.h"
 
 #include <deque>
 #include <string>

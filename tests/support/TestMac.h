@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/ProcessLauncher.h"
-#include "platform/simulated/ManualRunLoop.h"
-#include "platform/simulated/SimulatedPlatform.h"
+#include "simulated/ManualRunLoop.h"
+#include "simulated/SimulatedPlatform.h"
 #include "smc/SMC.h"
 
 #include <functional>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/BusHandles.h"
+#include "linux/bus/BusHandles.h"
 
 #include <sys/socket.h>
 

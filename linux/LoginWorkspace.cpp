@@ -1,0 +1,104 @@
+#include "linux/LoginWorkspace.h"
+
+#include "linux/SpawnLauncher.h"
+#include "platform/RunLoop.h"
+
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+namespace orv {
+
+namespace {
+
+constexpr const char* loginService = "org.freedesktop.login1";
+constexpr const char* loginPath = "/org/freedesktop/login1";
+constexpr const char* loginManager = "org.freedesktop.login1.Manager";
+
+// Far above what passes between reading two clocks, far below any real sleep.
+constexpr std::chrono::seconds shortestSleep{1};
+
+std::string executable(const std::string& application)
+{
+    const std::filesystem::path path(application);
+    std::error_code error;
+    return std::filesystem::is_directory(path, error) ? (path / path.stem()).string() : application;
+}
+
+} // namespace
+
+LoginWorkspace::LoginWorkspace(
+    RunLoop& givenRunLoop, SpawnLauncher& spawnLauncher, SystemBus& systemBus, Clock givenClock)
+    : runLoop(givenRunLoop)
+    , launcher(spawnLauncher)
+    , clock(std::move(givenClock))
+    , knownTimeAsleep(clock())
+    , runningApplications(std::make_shared<std::set<std::string>>())
+{
+    systemBus.watch([this](sd_bus* connection) { addMatches(connection); }, [this] { announcerVanished(); });
+}
+
+void LoginWorkspace::openApplication(const std::string& path)
+{
+    if (!runningApplications->insert(path).second)
+        return;
+    runLoop.postToBackground([path, running = runningApplications, &loop = runLoop, &programs = launcher] {
+        programs.run(executable(path));
+        loop.post([path, running] { running->erase(path); });
+    });
+}
+
+void LoginWorkspace::prepareForSleep(bool isStarting)
+{
+    const bool wasCounted = std::exchange(isWakeCounted, false) && !hasSleptUnnoticed();
+    isSleepAnnounced = isStarting;
+    if (isStarting)
+        return observers.willSleep();
+    knownTimeAsleep = clock();
+    if (!wasCounted)
+        observers.didWake();
+}
+
+void LoginWorkspace::announcerVanished()
+{
+    if (std::exchange(isSleepAnnounced, false))
+        observers.didWake();
+}
+
+void LoginWorkspace::checkClocks()
+{
+    if (!hasSleptUnnoticed())
+        return;
+    knownTimeAsleep = clock();
+    isSleepAnnounced = false;
+    isWakeCounted = true;
+    observers.didWake();
+}
+
+bool LoginWorkspace::hasSleptUnnoticed() const
+{
+    return clock() - knownTimeAsleep >= shortestSleep;
+}
+
+int LoginWorkspace::prepareForSleepArrived(sd_bus_message* signal, void* workspace, sd_bus_error*)
+{
+    int isStarting = 0;
+    if (sd_bus_message_read(signal, "b", &isStarting) > 0)
+        static_cast<LoginWorkspace*>(workspace)->prepareForSleep(isStarting != 0);
+    return 0;
+}
+
+int LoginWorkspace::loginOwnerChanged(sd_bus_message*, void* workspace, sd_bus_error*)
+{
+    static_cast<LoginWorkspace*>(workspace)->announcerVanished();
+    return 0;
+}
+
+void LoginWorkspace::addMatches(sd_bus* connection)
+{
+    sd_bus_match_signal_async(connection, nullptr, loginService, loginPath, loginManager, "PrepareForSleep",
+        prepareForSleepArrived, nullptr, this);
+    sd_bus_add_match_async(connection, nullptr, ownerChanges(loginService).c_str(), loginOwnerChanged, nullptr, this);
+}
+
+} // namespace orv

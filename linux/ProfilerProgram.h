@@ -1,0 +1,16 @@
+#pragma once
+
+#include "linux/SpawnLauncher.h"
+
+#include <map>
+#include <string>
+
+namespace orv {
+
+/// What runs for the system profiler's path on this machine.
+std::map<std::string, LaunchedProgram> hostProfilerProgram();
+
+/// What runs for it on the simulated Mac of a machine file.
+std::map<std::string, LaunchedProgram> simulatedProfilerProgram(const std::string& machinePath);
+
+} // namespace orv

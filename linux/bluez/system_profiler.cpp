@@ -1,0 +1,46 @@
+// Stands behind the system profiler's path: prints a Bluetooth report in the layout of that tool, about this computer
+// or about the simulated Mac of a machine file.
+
+#include "linux/bluez/BluetoothDevices.h"
+#include "simulated/MachineFile.h"
+#include "simulated/ProfilerEnvironment.h"
+#include "json/JSONWriter.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+using namespace orv;
+
+int print(const std::string& report)
+{
+    const bool isWritten = std::fwrite(report.data(), 1, report.size(), stdout) == report.size();
+    return isWritten && std::fflush(stdout) == 0 ? 0 : 1;
+}
+
+int printSimulatedReport(const char* path)
+{
+    std::string fault;
+    const auto machine = readMachineFile(path, fault);
+    if (machine)
+        return print(machine->profilerOutput);
+    std::fprintf(stderr, "system_profiler: %s\n", fault.c_str());
+    return 2;
+}
+
+int printHostReport()
+{
+    const char* root = std::getenv("ORV_ROOT");
+    const auto devices = uniqueDevices(bluezDevices(), hidDevices(root ? root : ""));
+    return print(writeJSON(profilerReport(devices), KeyOrder::asListed) + '\n');
+}
+
+} // namespace
+
+int main()
+{
+    const char* path = std::getenv(profilerMachineVariable);
+    return path ? printSimulatedReport(path) : printHostReport();
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "base/Owned.h"
+
+#include <systemd/sd-bus.h>
+
+namespace orv {
+
+/// A connection; what was not sent is dropped when it is closed.
+struct BusTraits {
+    using Handle = sd_bus*;
+    static constexpr Handle none = nullptr;
+    static void release(Handle handle) { sd_bus_close_unref(handle); }
+};
+
+struct BusMessageTraits {
+    using Handle = sd_bus_message*;
+    static constexpr Handle none = nullptr;
+    static void release(Handle handle) { sd_bus_message_unref(handle); }
+};
+
+using BusConnection = Owned<BusTraits>;
+using BusMessage = Owned<BusMessageTraits>;
+
+} // namespace orv

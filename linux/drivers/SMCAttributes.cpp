@@ -1,0 +1,63 @@
+#include "linux/drivers/SMCAttributes.h"
+
+#include <fcntl.h>
+
+#include <cerrno>
+#include <utility>
+
+namespace orv {
+
+FileDescriptor SysfsAttributes::open(const std::string& path, Access access)
+{
+    const int mode = access == Access::reading ? O_RDONLY : O_RDWR;
+    return FileDescriptor(::open(path.c_str(), mode | O_CLOEXEC | O_NONBLOCK));
+}
+
+ssize_t SysfsAttributes::read(int descriptor, std::span<char> bytes)
+{
+    return ::pread(descriptor, bytes.data(), bytes.size(), 0);
+}
+
+ssize_t SysfsAttributes::write(int descriptor, std::string_view text)
+{
+    return ::pwrite(descriptor, text.data(), text.size(), 0);
+}
+
+KeptAttribute::KeptAttribute(
+    SMCAttributes& driverCalls, std::string attributePath, SMCAttributes::Access attributeAccess)
+    : calls(&driverCalls)
+    , path(std::move(attributePath))
+    , access(attributeAccess)
+{
+}
+
+bool KeptAttribute::open()
+{
+    if (!descriptor)
+        descriptor = calls->open(path, access);
+    return static_cast<bool>(descriptor);
+}
+
+ssize_t KeptAttribute::read(std::span<char> bytes)
+{
+    return perform([&](int opened) { return calls->read(opened, bytes); });
+}
+
+ssize_t KeptAttribute::write(std::string_view text)
+{
+    return perform([&](int opened) { return calls->write(opened, text); });
+}
+
+// The descriptor of a driver that went away answers ENODEV for good, also after the driver came back.
+template <typename Call> ssize_t KeptAttribute::perform(Call call)
+{
+    if (!open())
+        return -1;
+    const auto result = call(descriptor.get());
+    if (result >= 0 || errno != ENODEV)
+        return result;
+    descriptor.reset();
+    return open() ? call(descriptor.get()) : -1;
+}
+
+} // namespace orv

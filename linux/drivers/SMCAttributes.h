@@ -1,0 +1,55 @@
+#pragma once
+
+#include "base/FileDescriptor.h"
+
+#include <sys/types.h>
+
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace orv {
+
+/// The calls on the attribute files of a kernel driver. As the system's own, they leave the reason of a failure in
+/// errno.
+class SMCAttributes {
+public:
+    virtual ~SMCAttributes() = default;
+
+    enum class Access { reading, readingAndWriting };
+    virtual FileDescriptor open(const std::string& path, Access access) = 0;
+    /// Asks the driver afresh, from the start of the attribute.
+    virtual ssize_t read(int descriptor, std::span<char> bytes) = 0;
+    virtual ssize_t write(int descriptor, std::string_view text) = 0;
+};
+
+/// The attributes in sysfs.
+class SysfsAttributes final : public SMCAttributes {
+public:
+    FileDescriptor open(const std::string& path, Access access) override;
+    ssize_t read(int descriptor, std::span<char> bytes) override;
+    ssize_t write(int descriptor, std::string_view text) override;
+};
+
+/// One attribute whose descriptor, once opened, stays open. It is opened again when its driver went away and came back.
+class KeptAttribute {
+public:
+    KeptAttribute(SMCAttributes& driverCalls, std::string attributePath,
+        SMCAttributes::Access attributeAccess = SMCAttributes::Access::reading);
+
+    /// Whether it is open, now or already before.
+    bool open();
+    /// The number of bytes, or -1.
+    ssize_t read(std::span<char> bytes);
+    ssize_t write(std::string_view text);
+
+private:
+    template <typename Call> ssize_t perform(Call call);
+
+    SMCAttributes* calls;
+    std::string path;
+    SMCAttributes::Access access;
+    FileDescriptor descriptor;
+};
+
+} // namespace orv

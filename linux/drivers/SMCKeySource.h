@@ -1,0 +1,28 @@
+#pragma once
+
+#include "hardware/Hardware.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace orv {
+
+/// One key of the SMC, as the driver lists it.
+struct SMCKey {
+    std::uint32_t name = 0; // a four-character code; 0 when it could not be found out
+    Hardware::KeyInfo info;
+};
+
+/// A way to the SMC's keys through the attributes of a driver.
+class SMCKeySource {
+public:
+    virtual ~SMCKeySource() = default;
+
+    /// In index order; fixed for the life of the source.
+    virtual const std::vector<SMCKey>& keys() const = 0;
+    /// The value of the key at a position in `keys`.
+    virtual SMCOutcome readBytes(std::size_t position, Hardware::Bytes& bytes) = 0;
+};
+
+} // namespace orv

@@ -1,0 +1,153 @@
+#include "linux/HostPlatform.h"
+#include "linux/ProfilerProgram.h"
+#include "linux/SpawnLauncher.h"
+#include "linux/bus/BusService.h"
+#include "linux/loop/EventRunLoop.h"
+#include "linux/loop/ProgramEnd.h"
+#include "service/OrvSMCHelperServer.h"
+#include "simulated/MachineFile.h"
+#include "simulated/SimulatedPlatform.h"
+
+#include <getopt.h>
+#include <signal.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <optional>
+#include <string>
+
+namespace {
+
+using namespace orv;
+
+constexpr const char* bundleIdentifier = ORV_BUNDLE_IDENTIFIER;
+
+// Blocked before any thread starts, so that the bus thread alone receives them.
+void blockTermination()
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGTERM);
+    sigaddset(&signals, SIGINT);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+}
+
+// Ends the process as the signal would have ended it.
+void dieOf(int signalNumber)
+{
+    signal(signalNumber, SIG_DFL);
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, signalNumber);
+    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+    raise(signalNumber);
+}
+
+/// The life of the helper, in the order in which a client may rely on it: nothing can be asked before the first
+/// refresh, which the creation of the server performs, has finished.
+int serve(EventRunLoop& runLoop, SpawnLauncher& launcher, const Platform& platform, SimulatedPlatform* simulation)
+{
+    BusService listener(platform.bundle.identifier(), runLoop, simulation);
+    if (!listener.isConnected())
+        return 1;
+    if (simulation) {
+        listener.onTermination([simulation](int signalNumber) {
+            simulation->bundle.removeContainer();
+            dieOf(signalNumber);
+        });
+    }
+    setSharedPlatform(platform);
+    listener.resume(OrvSMCHelperServer::shared());
+    const int status = runLoop.run();
+    launcher.stop();
+    return status;
+}
+
+int serveSimulated(const std::string& path)
+{
+    std::string fault;
+    const auto machine = readMachineFile(path, fault);
+    if (!machine) {
+        std::fprintf(stderr, "orv-smc-helper: %s\n", fault.c_str());
+        return 2;
+    }
+    blockTermination();
+    SpawnLauncher launcher(simulatedProfilerProgram(path));
+    EventRunLoop runLoop;
+    SimulatedPlatform simulation(*machine, bundleIdentifier, runLoop, launcher);
+    return serve(runLoop, launcher, simulation.platform, &simulation);
+}
+
+int serveHost()
+{
+    const char* root = std::getenv("ORV_ROOT");
+    SpawnLauncher launcher(hostProfilerProgram());
+    EventRunLoop runLoop;
+    HostPlatform host(root ? root : "", bundleIdentifier, runLoop, launcher);
+    return serve(runLoop, launcher, host.platform, nullptr);
+}
+
+constexpr const char* help =
+    R"(Serves this computer's temperatures, fans and Bluetooth battery levels on the session bus.
+Usage: orv-smc-helper [OPTIONS]
+
+Options:
+  -h,--help                   Print this help message and exit
+  --version                   Display program version information and exit
+  --simulate FILE             Serve the Mac that a machine file describes instead
+)";
+
+struct CommandLine {
+    const char* machinePath = nullptr;
+    std::optional<int> status; // when there is nothing more to do
+};
+
+int printed(const char* text)
+{
+    return std::fputs(text, stdout) >= 0 && std::fflush(stdout) == 0 ? 0 : 1;
+}
+
+// By getopt, which the C library has anyway: a library for command lines would take a third of this program's memory.
+CommandLine parseCommandLine(int argumentCount, char** arguments)
+{
+    const option options[]{{"help", no_argument, nullptr, 'h'}, {"version", no_argument, nullptr, 'v'},
+        {"simulate", required_argument, nullptr, 's'}, {}};
+    CommandLine commandLine;
+    for (int found = 0; (found = getopt_long(argumentCount, arguments, "h", options, nullptr)) != -1;) {
+        if (found == 'h')
+            return {.status = printed(help)};
+        if (found == 'v')
+            return {.status = printed("orv-smc-helper " ORV_VERSION "\n")};
+        if (found != 's')
+            return {.status = 2}; // getopt has said why
+        commandLine.machinePath = optarg;
+    }
+    if (optind == argumentCount)
+        return commandLine;
+    std::fprintf(stderr, "orv-smc-helper: unexpected argument: %s\n", arguments[optind]);
+    return {.status = 2};
+}
+
+// Of all threads. Nothing here throws, except the standard library for want of memory or descriptors.
+void endForShortage()
+{
+    try {
+        if (const auto shortage = std::current_exception())
+            std::rethrow_exception(shortage);
+    } catch (const std::exception& shortage) {
+        tellOfEnd("cannot go on", shortage.what());
+    }
+    endAtOnce();
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments)
+{
+    const auto commandLine = parseCommandLine(argumentCount, arguments);
+    if (commandLine.status)
+        return *commandLine.status;
+    std::set_terminate(endForShortage);
+    return commandLine.machinePath ? serveSimulated(commandLine.machinePath) : serveHost();
+}

@@ -1,0 +1,40 @@
+#include "orvctl/collecting/SimulatedClient.h"
+
+#include <crt_externs.h>
+#include <mach-o/dyld.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+
+namespace orv {
+
+namespace {
+
+std::filesystem::path ownFile()
+{
+    std::string path(1024, '\0');
+    auto size = static_cast<std::uint32_t>(path.size());
+    if (_NSGetExecutablePath(path.data(), &size) != 0) {
+        path.resize(size); // which now says how much is needed
+        _NSGetExecutablePath(path.data(), &size);
+    }
+    std::error_code error;
+    return std::filesystem::canonical(path.c_str(), error);
+}
+
+} // namespace
+
+// This program is linked with the calls of the Mac it runs on. The one that is linked with the simulated ones takes
+// its place, with the same arguments, and normally never comes back from there.
+ServiceAnswer askSimulatedMac(Request, const std::string&)
+{
+    const auto program = ownFile().parent_path().parent_path() / "libexec/orv/orvctl-simulated";
+    execv(program.c_str(), *_NSGetArgv());
+    return {std::nullopt, program.string() + ": " + std::strerror(errno)};
+}
+
+} // namespace orv

@@ -1,0 +1,200 @@
+#include "orvctl/views/Table.h"
+
+#include "readings/Text.h"
+#include "json/JSONWriter.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <iterator>
+#include <string_view>
+#include <tuple>
+#include <vector>
+
+namespace orv {
+
+namespace {
+
+constexpr std::size_t tableWidth = 80;
+constexpr std::size_t titleWidth = 34;
+constexpr std::size_t deviceWidth = 34;
+
+struct LevelColumn {
+    std::string_view key;
+    std::string_view heading;
+};
+
+constexpr std::array<LevelColumn, 4> levelColumns{{
+    {"batteryLevelLeft", "Left"},
+    {"batteryLevelRight", "Right"},
+    {"batteryLevelCase", "Case"},
+    {"batteryLevel", "Main"},
+}};
+
+// Names come from devices and files: whatever would move the cursor is shown as a question mark.
+std::string printable(std::string_view text)
+{
+    std::string result;
+    while (!text.empty()) {
+        const auto [character, length] = decodeCharacter(text);
+        const bool isControl = !character || *character < 0x20 || (*character >= 0x7F && *character < 0xA0);
+        result += isControl ? std::string_view("?") : text.substr(0, length);
+        text.remove_prefix(length);
+    }
+    return result;
+}
+
+std::string cutTo(std::size_t width, std::string_view text)
+{
+    if (characterCount(text) <= width)
+        return std::string(text);
+    std::string result;
+    for (std::size_t count = 1; count < width; ++count) {
+        const auto length = decodeCharacter(text).length;
+        result += text.substr(0, length);
+        text.remove_prefix(length);
+    }
+    return result + "…";
+}
+
+std::string padded(std::size_t width, std::string_view text)
+{
+    auto result = cutTo(width, text);
+    result.append(width - characterCount(result), ' ');
+    return result;
+}
+
+std::string row(std::string_view text)
+{
+    return cutTo(tableWidth, text) + '\n';
+}
+
+template <typename T> T member(const Dictionary& dictionary, std::string_view key)
+{
+    const auto* content = dictionary.findAs<T>(key);
+    return content ? *content : T{};
+}
+
+std::string heading(std::string_view text, Colour colour)
+{
+    return colour == Colour::on ? fmt::format("\x1b[1m{}\x1b[0m\n", text) : fmt::format("{}\n", text);
+}
+
+/// One reading under its code, in the order in which a table shows it.
+struct Reading {
+    std::string title;
+    std::string code;
+    const Dictionary* entry;
+
+    bool operator<(const Reading& other) const { return std::tie(title, code) < std::tie(other.title, other.code); }
+};
+
+std::vector<Reading> readingsOfType(const Dictionary& reply, std::string_view type)
+{
+    std::vector<Reading> readings;
+    for (const auto& [code, value] : reply) {
+        const auto* entry = value.as<Dictionary>();
+        if (entry && member<std::string>(*entry, "type") == type)
+            readings.push_back({printable(member<std::string>(*entry, "title")), printable(code), entry});
+    }
+    std::ranges::sort(readings, std::less<>());
+    return readings;
+}
+
+std::string temperatureRow(const Reading& reading)
+{
+    return row(fmt::format("  {}{}{:>8.1f} °C", padded(titleWidth, reading.title), padded(8, reading.code),
+        member<double>(*reading.entry, "value")));
+}
+
+std::string fanRow(const Reading& reading)
+{
+    const auto& fan = *reading.entry;
+    return row(fmt::format("  {}{}{:>8} rpm  ({} to {})", padded(titleWidth, reading.title), padded(8, reading.code),
+        member<std::int64_t>(fan, "value"), member<std::int64_t>(fan, "minvalue"),
+        member<std::int64_t>(fan, "maxvalue")));
+}
+
+bool isLevel(const Member& levelOrOther)
+{
+    return levelOrOther.value.as<std::int64_t>()
+        && std::ranges::find(levelColumns, levelOrOther.key, &LevelColumn::key) != levelColumns.end();
+}
+
+std::string deviceRow(const Member& device)
+{
+    auto text = "  " + padded(deviceWidth, printable(device.key));
+    for (const auto& column : levelColumns) {
+        const auto* level = device.value.as<Dictionary>()->find(column.key);
+        text += level ? fmt::format("{:>8} %", *level->as<std::int64_t>()) : std::string(10, ' ');
+    }
+    return row(text.substr(0, text.find_last_not_of(' ') + 1));
+}
+
+std::string deviceHeading()
+{
+    auto text = padded(deviceWidth + 2, "Devices");
+    for (const auto& column : levelColumns)
+        text += fmt::format("{:>10}", column.heading);
+    return text;
+}
+
+std::string otherRow(const Member& entry)
+{
+    auto rows = row("  " + printable(entry.key));
+    const auto* members = entry.value.as<Dictionary>();
+    for (const auto& [key, value] : members ? *members : Dictionary()) {
+        const auto* text = value.as<std::string>();
+        const auto content = printable(text ? *text : writeJSON(value, KeyOrder::sorted));
+        rows += row("    " + padded(titleWidth - 2, printable(key)) + content);
+    }
+    return rows;
+}
+
+std::vector<Member> sortedByKey(const Dictionary& reply)
+{
+    std::vector<Member> entries(reply.begin(), reply.end());
+    std::ranges::sort(entries, {}, &Member::key);
+    return entries;
+}
+
+} // namespace
+
+std::string thermalTable(const Dictionary& reply, Colour colour)
+{
+    const auto temperatures = readingsOfType(reply, "temperature");
+    const auto fans = readingsOfType(reply, "fans");
+    std::string table;
+    if (!temperatures.empty())
+        table += heading("Temperatures", colour);
+    for (const auto& temperature : temperatures)
+        table += temperatureRow(temperature);
+    if (!fans.empty())
+        table += heading("Fans", colour);
+    for (const auto& fan : fans)
+        table += fanRow(fan);
+    return table.empty() ? "No temperatures and no fans.\n" : table;
+}
+
+std::string bluetoothTable(const Dictionary& reply, Colour colour)
+{
+    std::string devices;
+    std::string others;
+    for (const auto& entry : sortedByKey(reply)) {
+        const auto* members = entry.value.as<Dictionary>();
+        if (members && !members->empty() && std::ranges::all_of(*members, isLevel))
+            devices += deviceRow(entry);
+        else
+            others += otherRow(entry);
+    }
+    std::string table;
+    if (!devices.empty())
+        table += heading(deviceHeading(), colour) + devices;
+    if (!others.empty())
+        table += heading("Other entries", colour) + others;
+    return table.empty() ? "No battery levels.\n" : table;
+}
+
+} // namespace orv

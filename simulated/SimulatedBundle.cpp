@@ -1,0 +1,97 @@
+#include "simulated/SimulatedBundle.h"
+
+#include <sys/stat.h>
+#include <unistd.h> // mkdtemp, on macOS
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+#include <utility>
+
+namespace orv {
+
+namespace {
+
+constexpr std::string_view placeholder = "XXXXXX"; // of mkdtemp
+
+std::string containerTemplate()
+{
+    const char* parent = std::getenv("TMPDIR");
+    return std::string(parent && *parent ? parent : "/tmp").append("/orv-smc-helper-").append(placeholder);
+}
+
+bool writeFile(const std::string& path, const std::string& content)
+{
+    auto* const file = std::fopen(path.c_str(), "wb");
+    if (!file)
+        return false;
+    const bool isWritten = std::fwrite(content.data(), 1, content.size(), file) == content.size();
+    return std::fclose(file) == 0 && isWritten;
+}
+
+} // namespace
+
+SimulatedBundle::SimulatedBundle(std::string givenIdentifier, std::optional<std::string> givenWatchFile)
+    : bundleIdentifier(std::move(givenIdentifier))
+    , watchFile(std::move(givenWatchFile))
+    , paths{.container = containerTemplate()}
+{
+}
+
+SimulatedBundle::~SimulatedBundle()
+{
+    removeContainer();
+}
+
+std::vector<std::string> SimulatedBundle::resources(const std::string& extension) const
+{
+    if (!watchFile || extension != "app")
+        return {};
+    return {"Companion.app"};
+}
+
+std::optional<std::string> SimulatedBundle::groupContainer(const std::string&) const
+{
+    {
+        const std::lock_guard lock(mutex);
+        if (state != State::present)
+            return std::nullopt;
+    }
+    return paths.container;
+}
+
+void SimulatedBundle::runCompanion()
+{
+    const std::lock_guard lock(mutex);
+    if (!watchFile || state == State::removed || (state == State::absent && !makeContainer()))
+        return;
+    if (writeFile(paths.unfinished, *watchFile))
+        std::rename(paths.unfinished.c_str(), paths.file.c_str());
+}
+
+void SimulatedBundle::removeContainer()
+{
+    const std::lock_guard lock(mutex);
+    if (std::exchange(state, State::removed) != State::present)
+        return;
+    // By name, because listing a folder takes a descriptor, and there may be none.
+    for (const auto* path : {&paths.unfinished, &paths.file, &paths.support, &paths.library, &paths.container})
+        std::remove(path->c_str());
+}
+
+bool SimulatedBundle::makeContainer()
+{
+    auto& container = paths.container;
+    std::ranges::copy(placeholder, container.end() - placeholder.size()); // an attempt that failed may have changed it
+    if (!mkdtemp(container.data()))
+        return false;
+    for (auto* path : {&paths.library, &paths.support, &paths.file, &paths.unfinished})
+        std::ranges::copy(container, path->begin());
+    for (const auto* folder : {&paths.library, &paths.support})
+        mkdir(folder->c_str(), S_IRWXU);
+    state = State::present;
+    return true;
+}
+
+} // namespace orv

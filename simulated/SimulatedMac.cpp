@@ -1,0 +1,225 @@
+#include "simulated/SimulatedMac.h"
+
+#include "readings/Integers.h"
+#include "smc/FourCharCode.h"
+#include "smc/SMCValueDecoding.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <thread>
+#include <utility>
+
+namespace orv {
+
+namespace {
+
+constexpr std::uint32_t keyCountKey = fourCharCode("#KEY");
+// The one kind of service that a machine file describes, and the one event that it has.
+constexpr std::int32_t appleVendorPage = 0xff00;
+constexpr std::int32_t temperatureUsage = 5;
+constexpr std::int32_t temperatureEventType = 15;
+constexpr std::int32_t temperatureLevelField = 15 << 16;
+
+class SimulatedHIDService final : public HIDService {
+public:
+    explicit SimulatedHIDService(const HIDRow& hidRow)
+        : row(hidRow)
+    {
+    }
+
+    Value locationID() override { return row.locationID; }
+
+    std::optional<double> eventValue(std::int32_t eventType, std::int32_t field) override
+    {
+        if (eventType != temperatureEventType || field != temperatureLevelField)
+            return std::nullopt;
+        return row.temperature;
+    }
+
+private:
+    const HIDRow& row;
+};
+
+std::string bigEndian(std::uint32_t number, std::size_t count)
+{
+    std::string bytes;
+    while (count-- > 0)
+        bytes += static_cast<char>(number >> 8 * count);
+    return bytes;
+}
+
+std::uint32_t nearest(double number, double low, double high)
+{
+    const auto integer = static_cast<std::int64_t>(std::round(std::clamp(number, low, high)));
+    return static_cast<std::uint32_t>(integer);
+}
+
+std::string littleEndianFloat(double number)
+{
+    constexpr double largest = std::numeric_limits<float>::max();
+    const auto bits = std::bit_cast<std::uint32_t>(static_cast<float>(std::clamp(number, -largest, largest)));
+    auto bytes = bigEndian(bits, 4);
+    std::ranges::reverse(bytes);
+    return bytes;
+}
+
+/// The inverse of decodeValue, to the nearest value.
+std::optional<std::string> encode(const SMCValueFormat& format, double number)
+{
+    const double scaled = number * static_cast<double>(1u << format.fractionBits);
+    switch (format.form) {
+    case SMCNumberForm::none:
+        return std::nullopt;
+    case SMCNumberForm::unsigned8:
+        return bigEndian(nearest(scaled, 0, UINT8_MAX), 1);
+    case SMCNumberForm::unsigned16:
+        return bigEndian(nearest(scaled, 0, UINT16_MAX), 2);
+    case SMCNumberForm::unsigned32:
+        return bigEndian(nearest(scaled, 0, UINT32_MAX), 4);
+    case SMCNumberForm::signed16:
+        return bigEndian(nearest(scaled, INT16_MIN, INT16_MAX), 2);
+    case SMCNumberForm::float32:
+        return littleEndianFloat(number);
+    }
+    return std::nullopt;
+}
+
+bool hasCode(const HIDRow& service, std::string_view code)
+{
+    const auto* location = service.locationID.as<std::int64_t>();
+    return location && *location > 0 && fourCharString(static_cast<std::uint32_t>(*location)) == code;
+}
+
+} // namespace
+
+SimulatedMac::SimulatedMac(const MachineFile& machineFile)
+    : machine(machineFile)
+{
+    if (!machine.smc)
+        return;
+    for (const auto& row : *machine.smc)
+        keys.push_back({row});
+    for (auto& key : keys)
+        keysByName.emplace(key.row.key, &key);
+    addKeyCount();
+}
+
+bool SimulatedMac::hasSMC()
+{
+    return machine.smc.has_value();
+}
+
+SMCOutcome SimulatedMac::keyInfo(std::uint32_t name, KeyInfo& info)
+{
+    delayExchange();
+    const auto* key = findKey(name);
+    if (!key)
+        return SMCOutcome::unknownKey();
+    if (key->row.fails)
+        return SMCOutcome::failed();
+    info = {.dataSize = key->size(), .dataType = key->row.type};
+    return {};
+}
+
+SMCOutcome SimulatedMac::readBytes(std::uint32_t name, Bytes& bytes)
+{
+    delayExchange();
+    auto* key = findKey(name);
+    if (!key)
+        return SMCOutcome::unknownKey();
+    if (key->row.fails)
+        return SMCOutcome::failed();
+    const auto& reading = key->row.readings[key->next].bytes;
+    std::ranges::copy(reading, bytes.begin());
+    key->next = (key->next + 1) % key->row.readings.size();
+    return {};
+}
+
+SMCOutcome SimulatedMac::keyAtIndex(std::uint32_t index, std::uint32_t& name)
+{
+    delayExchange();
+    if (index >= keys.size())
+        return SMCOutcome::unknownKey();
+    name = keys[index].row.key;
+    return {};
+}
+
+std::optional<std::string> SimulatedMac::systemValue(const std::string& name)
+{
+    const auto found = machine.systemValues.find(name);
+    return found == machine.systemValues.end() ? std::nullopt : std::optional(found->second);
+}
+
+bool SimulatedMac::forEachService(std::int32_t page, std::int32_t usage, const std::function<void(HIDService&)>& visit)
+{
+    if (page != appleVendorPage || usage != temperatureUsage)
+        return true;
+    for (const auto& row : machine.hid) {
+        SimulatedHIDService service(row);
+        visit(service);
+    }
+    return true;
+}
+
+bool SimulatedMac::setTemperature(std::string_view key, double degrees)
+{
+    if (!std::isfinite(degrees))
+        return false;
+    bool isSet = setSMCValue(key, 'T', degrees);
+    for (auto& service : machine.hid) {
+        if (!hasCode(service, key))
+            continue;
+        service.temperature = degrees;
+        isSet = true;
+    }
+    return isSet;
+}
+
+bool SimulatedMac::setFanSpeed(std::string_view key, double speed)
+{
+    return std::isfinite(speed) && setSMCValue(key, 'F', speed);
+}
+
+std::uint32_t SimulatedMac::Key::size() const
+{
+    return row.size.value_or(static_cast<std::uint32_t>(row.readings[next].bytes.size()));
+}
+
+SimulatedMac::Key* SimulatedMac::findKey(std::uint32_t key)
+{
+    const auto found = keysByName.find(key);
+    return found == keysByName.end() ? nullptr : found->second;
+}
+
+void SimulatedMac::addKeyCount()
+{
+    keyCount.row.key = keyCountKey;
+    keyCount.row.type = fourCharCode("ui32");
+    keyCount.row.readings = {{bigEndian(static_cast<std::uint32_t>(keys.size()), 4)}};
+    keysByName.emplace(keyCountKey, &keyCount);
+}
+
+void SimulatedMac::delayExchange() const
+{
+    if (machine.exchangeDelay.count() > 0)
+        std::this_thread::sleep_for(machine.exchangeDelay);
+}
+
+bool SimulatedMac::setSMCValue(std::string_view name, char kind, double number)
+{
+    auto* key = name.size() == 4 && name.starts_with(kind) ? findKey(fourCharCode(name)) : nullptr;
+    const auto* format = key ? smcValueFormat(fourCharString(key->row.type)) : nullptr;
+    if (!format || key->size() == 0 || (format->requiredSize != 0 && format->requiredSize != key->size()))
+        return false;
+    const auto bytes = encode(*format, number);
+    if (!bytes)
+        return false;
+    key->row.size = key->size();
+    key->row.readings = {{*bytes}};
+    key->next = 0;
+    return true;
+}
+
+} // namespace orv

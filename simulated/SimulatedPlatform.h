@@ -1,0 +1,38 @@
+#pragma once
+
+#include "base/Fatal.h"
+#include "platform/Platform.h"
+#include "simulated/SimulatedBluetoothEvents.h"
+#include "simulated/SimulatedBundle.h"
+#include "simulated/SimulatedMac.h"
+#include "simulated/SimulatedWorkspace.h"
+
+#include <string>
+
+namespace orv {
+
+/// A simulated Mac with everything around it except the run loop and the launcher. Main thread only.
+struct SimulatedPlatform {
+    /// Puts the Mac behind the IOKit and sysctl calls. A fatal stop leaves no container behind.
+    SimulatedPlatform(
+        const MachineFile& machine, const std::string& identifier, RunLoop& runLoop, ProcessLauncher& processLauncher)
+        : mac(machine)
+        , bundle(identifier, machine.watchFile)
+        , platform{runLoop, workspace, bluetoothEvents, processLauncher, bundle, mac}
+    {
+        setHardware(mac);
+        workspace.onOpen = [this](const std::string&) { bundle.runCompanion(); };
+        beforeFatalStop = [this] { bundle.removeContainer(); };
+    }
+    ~SimulatedPlatform() { beforeFatalStop = nullptr; }
+    SimulatedPlatform(const SimulatedPlatform&) = delete;
+    SimulatedPlatform& operator=(const SimulatedPlatform&) = delete;
+
+    SimulatedMac mac;
+    SimulatedWorkspace workspace;
+    SimulatedBluetoothEvents bluetoothEvents;
+    SimulatedBundle bundle;
+    const Platform platform;
+};
+
+} // namespace orv

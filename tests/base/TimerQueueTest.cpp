@@ -1,0 +1,77 @@
+#include "base/TimerQueue.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+using namespace orv;
+using namespace std::chrono_literals;
+
+namespace {
+
+struct Timers : testing::Test {
+    TimerQueue queue;
+    std::string log;
+
+    auto note(const char* name)
+    {
+        return [this, name] { log += name; };
+    }
+};
+
+} // namespace
+
+TEST_F(Timers, RunThingsDueTogetherInTheOrderOfScheduling)
+{
+    queue.scheduleRepeating(0s, 40s, note("w"));
+    queue.scheduleRepeating(0s, 5s, note("s"));
+    queue.scheduleOnce(0s, 40s, note("o"));
+    for (auto now = 5s; now <= 40s; now += 5s)
+        queue.runDue(now);
+    EXPECT_EQ(log, "ssssssswos"); // each firing schedules the next one, so the 5-second timer comes last
+}
+
+TEST_F(Timers, MakeUpForMissedFiringsWithOne)
+{
+    queue.scheduleRepeating(0s, 5s, note("s"));
+    queue.runDue(17s);
+    EXPECT_EQ(log, "s");
+    EXPECT_EQ(queue.nextDeadline(), 20s);
+    queue.runDue(20s);
+    EXPECT_EQ(queue.nextDeadline(), 25s);
+}
+
+TEST_F(Timers, ShareAWakeUpWhenTheyAreNear)
+{
+    queue.scheduleOnce(0s, 5000ms, note("a"));
+    queue.scheduleOnce(0s, 5050ms, note("b"));
+    queue.scheduleOnce(0s, 5051ms, note("c"));
+    EXPECT_EQ(queue.nextWakeUp(), 5050ms);
+    queue.runDue(5050ms);
+    EXPECT_EQ(log, "ab");
+}
+
+TEST_F(Timers, CountADelayFromTheDeadlineOfWhatRunsOnTime)
+{
+    queue.scheduleOnce(0s, 1s, [&] { queue.scheduleOnce(1020ms, 5s, note("on time")); });
+    queue.runDue(1020ms);
+    EXPECT_EQ(queue.nextDeadline(), 6s);
+    queue.runDue(6s);
+    queue.scheduleOnce(6s, 1s, [&] { queue.scheduleOnce(9s, 5s, note("late")); });
+    queue.runDue(9s);
+    EXPECT_EQ(queue.nextDeadline(), 14s);
+}
+
+TEST_F(Timers, MayEndThemselvesAndScheduleMore)
+{
+    TimerQueue::Identifier identifier = 0;
+    identifier = queue.scheduleRepeating(0s, 1s, [&] {
+        log += "x";
+        queue.cancel(identifier);
+        queue.scheduleOnce(1s, 0s, note("y"));
+    });
+    queue.runDue(1s);
+    queue.runDue(9s);
+    EXPECT_EQ(log, "xy");
+    EXPECT_EQ(queue.nextWakeUp(), std::nullopt);
+}
