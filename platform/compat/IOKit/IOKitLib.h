@@ -1,7 +1,7 @@
 #pragma once
 
 // The part of IOKit's C interface that this program calls, declared as Apple's <IOKit/IOKitLib.h> declares it, for
-// systems that have no IOKit. The functions are defined in platform/hardware/IOKitCalls.cpp.
+// systems that have no IOKit. The functions are defined in hardware/IOKitCalls.cpp.
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #pragma once
 
 // sysctlbyname as Apple's <sys/sysctl.h> declares it, for systems that have none. It is defined in
-// platform/hardware/SysctlCalls.cpp.
+// hardware/SysctlCalls.cpp.
 
 #include <cstddef>
 
