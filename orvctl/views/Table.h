@@ -1,12 +1,11 @@
 #pragma once
 
+#include "orvctl/views/Terminal.h"
 #include "readings/Value.h"
 
 #include <string>
 
 namespace orv {
-
-enum class Colour { off, on };
 
 /// A thermal reply as a table for people: temperatures, then fans, each sorted by title. At most 80 columns wide.
 std::string thermalTable(const Dictionary& reply, Colour colour);

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <array>
+#include <functional>
+
+namespace orv {
+
+/// What a command does once its arguments were read; its result is the exit status.
+using Run = std::function<int()>;
+
+/// Adds a command with its options, and sets `run` when it was asked for.
+using AddCommand = void (*)(CLI::App& application, Run& run);
+
+void addThermal(CLI::App& application, Run& run);
+void addBluetooth(CLI::App& application, Run& run);
+
+/// In the order in which --help lists them.
+inline constexpr std::array allCommands{addThermal, addBluetooth};
+
+} // namespace orv
