@@ -10,11 +10,6 @@ namespace orv::Orv_SMCHelper {
 
 namespace {
 
-std::string fanKey(std::int64_t index, const char* suffix)
-{
-    return std::string{'F', "0123456789ABCDEF"[index]} + suffix;
-}
-
 std::int64_t roundedSpeed(SMC& smc, const std::string& key)
 {
     const auto speed = integerPart(std::round(smc.getValue(key).value_or(0.0)));
@@ -25,16 +20,21 @@ std::int64_t roundedSpeed(SMC& smc, const std::string& key)
 
 } // namespace
 
+std::string fanKey(std::int64_t index, std::string_view speed)
+{
+    return std::string{'F', "0123456789ABCDEF"[index]}.append(speed);
+}
+
 ThermalDictionary readFans(SMC& smc, const std::vector<std::string_view>& fanKeys)
 {
     ThermalDictionary fans;
     for (std::int64_t index = 0; index < maxFanCount; ++index) {
-        auto actualKey = fanKey(index, "Ac");
+        auto actualKey = fanKey(index, actualSpeed);
         if (std::ranges::find(fanKeys, actualKey) == fanKeys.end())
             continue;
         FanEntry fan{.title = fanTitle(index)};
-        fan.minvalue = roundedSpeed(smc, fanKey(index, "Mn"));
-        fan.maxvalue = roundedSpeed(smc, fanKey(index, "Mx"));
+        fan.minvalue = roundedSpeed(smc, fanKey(index, minimumSpeed));
+        fan.maxvalue = roundedSpeed(smc, fanKey(index, maximumSpeed));
         fan.value = roundedSpeed(smc, actualKey);
         fans.insert_or_assign(std::move(actualKey), std::move(fan));
     }

@@ -12,6 +12,14 @@ namespace orv::Orv_SMCHelper {
 
 inline constexpr std::int64_t maxFanCount = 15;
 
+// How the keys of a fan's speeds end.
+inline constexpr std::string_view actualSpeed = "Ac";
+inline constexpr std::string_view minimumSpeed = "Mn";
+inline constexpr std::string_view maximumSpeed = "Mx";
+
+/// The key of a fan's speed, for example "F0Ac": one hexadecimal digit numbers the fan, which is below maxFanCount.
+std::string fanKey(std::int64_t index, std::string_view speed);
+
 /// The fans whose actual-speed keys ("F0Ac" to "FEAc") are among `fanKeys`, under those keys. An unreadable speed
 /// counts as 0. The SMC must be open.
 ThermalDictionary readFans(SMC& smc, const std::vector<std::string_view>& fanKeys);

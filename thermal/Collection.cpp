@@ -3,6 +3,7 @@
 #include "smc/Fans.h"
 #include "smc/SMCValueDecoding.h"
 #include "thermal/Orv_SMCProfileKeys.h"
+#include "thermal/Threshold.h"
 #include "thermal/ZpM1IOHIDSensors.h"
 #include "thermal/ZpSystemInfo.h"
 
@@ -19,8 +20,6 @@ namespace orv::Orv_SMCHelper {
 using namespace Orv_SMCProfileKeys;
 
 namespace {
-
-constexpr double smcThreshold = 10.0;
 
 // Of the list that the SMC keeps.
 struct SplitKeys {
@@ -172,7 +171,7 @@ ThermalDictionary readTableTemperatures(
     for (const auto* sensor : sensors) {
         SMCVal val{.key = std::string(sensor->key)};
         const auto degrees = readTemperature(smc, val);
-        if (!degrees || !(*degrees > smcThreshold))
+        if (!degrees || !countsAbove(smcThreshold, *degrees))
             continue;
         temperatures.add(std::move(val.key), sensor->name, *degrees);
     }
@@ -201,8 +200,8 @@ ThermalDictionary readSocTemperatures(SMC& smc, const std::vector<std::string_vi
         auto degrees = readTemperature(smc, val);
         if (!degrees)
             continue;
-        if (!(*degrees > smcThreshold)) {
-            if (!(fallback > 0) || !key.starts_with("Tp"))
+        if (!countsAbove(smcThreshold, *degrees)) {
+            if (!countsAbove(0, fallback) || !key.starts_with("Tp"))
                 continue;
             degrees = fallback;
         }

@@ -3,8 +3,8 @@
 #include "platform/HIDEventSystem.h"
 #include "readings/Readings.h"
 #include "smc/SMC.h"
+#include "thermal/KeyedTable.h"
 #include "thermal/OrvTemperatureFans.h"
-#include "thermal/SensorCatalogue.h"
 
 #include <cstdint>
 #include <string>

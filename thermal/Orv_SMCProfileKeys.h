@@ -1,6 +1,6 @@
 #pragma once
 
-#include "thermal/SensorCatalogue.h"
+#include "thermal/KeyedTable.h"
 
 /// The sensors that are known. One that no table names is never read.
 namespace orv::Orv_SMCProfileKeys {

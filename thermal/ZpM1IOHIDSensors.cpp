@@ -4,6 +4,7 @@
 #include "readings/Integers.h"
 #include "smc/FourCharCode.h"
 #include "thermal/Orv_SMCProfileKeys.h"
+#include "thermal/Threshold.h"
 
 #include <cmath>
 #include <optional>
@@ -11,8 +12,6 @@
 namespace orv::ZpM1IOHIDSensors {
 
 namespace {
-
-constexpr double hidThreshold = 5.0; // lower than that of SMC temperatures on purpose
 
 std::int32_t int32(std::int64_t number)
 {
@@ -40,7 +39,7 @@ ThermalDictionary readHIDTemperatures(HIDEventSystem& hidEventSystem)
     for (const auto& [code, degrees] :
         hidReadings(hidEventSystem, appleVendorPage, temperatureUsage, temperatureEventType)) {
         const auto* sensor = Orv_SMCProfileKeys::hidSensorNames.find(code);
-        if (!sensor || !(degrees > hidThreshold))
+        if (!sensor || !countsAbove(hidThreshold, degrees))
             continue;
         temperatures.insert_or_assign(code, TemperatureEntry{std::string(sensor->name), degrees});
     }

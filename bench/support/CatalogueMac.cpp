@@ -1,5 +1,6 @@
 #include "bench/support/CatalogueMac.h"
 
+#include "smc/Fans.h"
 #include "thermal/Orv_SMCProfileKeys.h"
 #include "json/JSONWriter.h"
 
@@ -38,9 +39,11 @@ void addTemperatures(Array& rows, std::size_t count, bool stepping)
 
 void addFans(Array& rows, std::size_t count)
 {
-    for (std::size_t index = 0; index < count; ++index) {
-        for (const auto& [suffix, bytes] : {std::pair{"Ac", "12c0"}, {"Mn", "0fa0"}, {"Mx", "4e20"}})
-            rows.push_back(row(std::string{'F', static_cast<char>('0' + index)} + suffix, "fpe2", std::string(bytes)));
+    using namespace Orv_SMCHelper;
+    for (std::int64_t index = 0; index < static_cast<std::int64_t>(count); ++index) {
+        for (const auto& [speed, bytes] :
+            {std::pair{actualSpeed, "12c0"}, {minimumSpeed, "0fa0"}, {maximumSpeed, "4e20"}})
+            rows.push_back(row(fanKey(index, speed), "fpe2", std::string(bytes)));
     }
 }
 

@@ -1,6 +1,7 @@
 #include "linux/drivers/SensorFiles.h"
 
 #include "linux/drivers/AttributeText.h"
+#include "smc/Fans.h"
 #include "smc/FourCharCode.h"
 
 #include <algorithm>
@@ -16,7 +17,7 @@ namespace {
 
 // Beyond what any of these drivers numbers. A number may be missing: every one is tried.
 constexpr int mostTemperatures = 512;
-constexpr int mostFans = 15; // keys have one digit for a fan
+constexpr int mostFans = Orv_SMCHelper::maxFanCount;
 constexpr int mostHwmonFolders = 64;
 
 struct LabelledKey {
@@ -33,15 +34,10 @@ constexpr std::array<LabelledKey, 3> macsmcTemperatures{{
 
 struct LabelledFan {
     std::string_view label;
-    std::size_t fan;
+    std::int64_t fan;
 };
 
 constexpr std::array<LabelledFan, 3> macsmcFans{{{"Fan", 0}, {"Fan 1", 0}, {"Fan 2", 1}}};
-
-std::uint32_t fanKey(std::size_t fan, std::string_view suffix)
-{
-    return fourCharCode(std::string{'F', "0123456789ABCDEF"[fan]}.append(suffix));
-}
 
 void storeBigEndian(std::int64_t number, Hardware::Bytes& bytes)
 {
@@ -68,7 +64,7 @@ std::unique_ptr<SensorFiles> SensorFiles::applesmc(SMCAttributes& calls, const s
             source->add(fourCharCode(label), Form::temperature, stem + "_input");
     }
     for (int number = 1; number <= mostFans; ++number)
-        source->addFan(static_cast<std::size_t>(number - 1), number, Form::speed);
+        source->addFan(number - 1, number, Form::speed);
     return source->listedKeys.empty() ? nullptr : std::move(source);
 }
 
@@ -131,17 +127,17 @@ void SensorFiles::add(std::uint32_t name, Form form, const std::string& file)
     sensors.push_back({form, KeptAttribute(calls, folder + '/' + file)});
 }
 
-void SensorFiles::addFan(std::size_t fan, int number, Form form)
+void SensorFiles::addFan(std::int64_t fan, int number, Form form)
 {
-    constexpr std::array<std::pair<const char*, const char*>, 3> files{{
-        {"Ac", "_input"},
-        {"Mn", "_min"},
-        {"Mx", "_max"},
+    constexpr std::array<std::pair<std::string_view, const char*>, 3> files{{
+        {Orv_SMCHelper::actualSpeed, "_input"},
+        {Orv_SMCHelper::minimumSpeed, "_min"},
+        {Orv_SMCHelper::maximumSpeed, "_max"},
     }};
     const auto stem = "fan" + std::to_string(number);
-    for (const auto& [suffix, ending] : files) {
+    for (const auto& [speed, ending] : files) {
         if (exists(stem + ending))
-            add(fanKey(fan, suffix), form, stem + ending);
+            add(fourCharCode(Orv_SMCHelper::fanKey(fan, speed)), form, stem + ending);
     }
 }
 

@@ -30,7 +30,7 @@ private:
     SensorFiles(SMCAttributes& calls, std::string folder);
 
     void add(std::uint32_t name, Form form, const std::string& file);
-    void addFan(std::size_t fan, int number, Form form);
+    void addFan(std::int64_t fan, int number, Form form);
     void addMacsmcSensors();
     void addMacsmcFan(int number);
     std::string text(const std::string& file) const;

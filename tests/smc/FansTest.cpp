@@ -12,13 +12,13 @@ TEST(Fans, AreReportedByTheirActualSpeedKeys)
         intelText(R"({"key": "F0Ac", "type": "fpe2", "bytes": "1f3e"}, {"key": "F0Mn", "type": "fpe2", "bytes": "12c0"},
         {"key": "F0Mx", "type": "fpe2", "bytes": "6590"}, {"key": "F1Ac", "type": "flt ", "bytes": "0010f944", "fails": true},
         {"key": "F2Mn", "type": "fpe2", "bytes": "12c0"}, {"key": "FAAc", "type": "flt ", "bytes": "0010f944"},
-        {"key": "FFAc", "type": "fpe2", "bytes": "1f3e"})"));
+        {"key": "FEAc", "type": "fpe2", "bytes": "1f3e"}, {"key": "FFAc", "type": "fpe2", "bytes": "1f3e"})"));
     mac.smc.open();
-    const auto fans = Orv_SMCHelper::readFans(mac.smc, {"FFAc", "FAAc", "F1Ac", "F0Ac"});
+    const auto fans = Orv_SMCHelper::readFans(mac.smc, {"FFAc", "FEAc", "FAAc", "F1Ac", "F0Ac"});
     const ThermalDictionary expected{
         {"F0Ac", FanEntry{"Left Side", 2000, 1200, 6500}}, // 1999.5 rounds away from zero
-        {"F1Ac", FanEntry{"Right Side", 0, 0, 0}},
-        {"FAAc", FanEntry{"Fan 10", 1993, 0, 0}},
+        {"F1Ac", FanEntry{"Right Side", 0, 0, 0}}, {"FAAc", FanEntry{"Fan 10", 1993, 0, 0}},
+        {"FEAc", FanEntry{"Fan 14", 2000, 0, 0}}, // the last one
     };
     EXPECT_EQ(fans, expected);
     EXPECT_EQ(mac.hardware.exchanges.front(), "info F0Mn");

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "thermal/SensorCatalogue.h"
+#include "thermal/tables/TableMaking.h"
 
 namespace orv::Orv_SMCProfileKeys {
 
@@ -26,7 +26,7 @@ inline constexpr auto commonRows = joined(
     family<0, 1>("TT#D", "Thunderbolt #"));
 // clang-format on
 
-static_assert(commonRows.size() == 36 && keysAreUnique(commonRows));
+static_assert(commonRows.size() == 36 && keysAreUnique<commonRows>() && keysBeginWithT<commonRows>());
 static_assert(keysOfLength(4, commonRows) == commonRows.size());
 
 } // namespace orv::Orv_SMCProfileKeys

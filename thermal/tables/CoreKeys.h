@@ -1,6 +1,6 @@
 #pragma once
 
-#include "thermal/SensorCatalogue.h"
+#include "thermal/tables/TableMaking.h"
 
 namespace orv::Orv_SMCProfileKeys {
 
@@ -16,9 +16,9 @@ inline constexpr auto performanceCores = std::to_array<SensorKey>({
 });
 // clang-format on
 
-static_assert(efficiencyCores.size() == 8 && keysAreUnique(efficiencyCores));
+static_assert(efficiencyCores.size() == 8 && keysAreUnique<efficiencyCores>());
 static_assert(keysOfLength(4, efficiencyCores) == efficiencyCores.size());
-static_assert(performanceCores.size() == 39 && keysAreUnique(performanceCores));
+static_assert(performanceCores.size() == 39 && keysAreUnique<performanceCores>());
 static_assert(keysOfLength(4, performanceCores) == performanceCores.size());
 
 } // namespace orv::Orv_SMCProfileKeys

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "thermal/SensorCatalogue.h"
+#include "thermal/tables/TableMaking.h"
 
 namespace orv::Orv_SMCProfileKeys {
 
@@ -36,7 +36,7 @@ inline constexpr auto hidRows = joined(
     family<0, 15>("TP?g", "PMU TP?g"));
 // clang-format on
 
-static_assert(hidRows.size() == 245 && keysAreUnique(hidRows));
+static_assert(hidRows.size() == 245 && keysAreUnique<hidRows>());
 static_assert(keysOfLength(4, hidRows) == hidRows.size());
 
 } // namespace orv::Orv_SMCProfileKeys

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "thermal/SensorCatalogue.h"
+#include "thermal/tables/TableMaking.h"
 
 namespace orv::Orv_SMCProfileKeys {
 
@@ -139,7 +139,7 @@ inline constexpr auto intelRows = joined(
     }));
 // clang-format on
 
-static_assert(intelRows.size() == 169 && keysAreUnique(intelRows));
+static_assert(intelRows.size() == 169 && keysAreUnique<intelRows>() && keysBeginWithT<intelRows>());
 static_assert(keysOfLength(5, intelRows) == 22 && keysOfLength(4, intelRows) == intelRows.size() - 22);
 
 } // namespace orv::Orv_SMCProfileKeys

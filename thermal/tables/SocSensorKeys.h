@@ -1,7 +1,7 @@
 #pragma once
 
-#include "thermal/SensorCatalogue.h"
 #include "thermal/tables/CoreKeys.h"
+#include "thermal/tables/TableMaking.h"
 
 namespace orv::Orv_SMCProfileKeys {
 
@@ -40,7 +40,7 @@ inline constexpr auto socRows = joined(
     }), "PMGR SOC Die #"));
 // clang-format on
 
-static_assert(socRows.size() == 136 && keysAreUnique(socRows));
+static_assert(socRows.size() == 136 && keysAreUnique<socRows>() && keysBeginWithT<socRows>());
 static_assert(keysOfLength(4, socRows) == socRows.size());
 
 } // namespace orv::Orv_SMCProfileKeys

@@ -1,4 +1,5 @@
 #include "thermal/Orv_SMCProfileKeys.h"
+#include "thermal/tables/TableMaking.h"
 
 #include <gtest/gtest.h>
 #include <initializer_list>
@@ -10,6 +11,10 @@ using namespace orv::Orv_SMCProfileKeys;
 using namespace std::string_view_literals;
 
 static_assert(!std::is_constructible_v<SensorKey, decltype("TC100C")>, "a text that does not fit is refused");
+static_assert(repeatedKey(std::to_array<SensorKey>({"TC0P", "TC0p", "TA0P", "TC0P"})) == "TC0P");
+static_assert(repeatedKey(std::to_array<SensorKey>({"TC0P", "TC0p", "TC0"})) == "");
+static_assert(keyWithoutT(std::to_array<SensorKeyPair>({{"TC0P", "a"}, {"tC0P", "b"}, {"VC0P", "c"}})) == "tC0P");
+static_assert(keyWithoutT(std::to_array<SensorKey>({"TC0P"})) == "");
 
 TEST(SensorCatalogue, EveryRowIsFoundUnderItsOwnKey)
 {

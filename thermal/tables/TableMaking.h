@@ -1,102 +1,17 @@
 #pragma once
 
+#include "thermal/KeyedTable.h"
+
 #include <algorithm>
 #include <array>
-#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <span>
 #include <string_view>
 
 namespace orv {
 
-/// Constant text stored inline, so that a table of it needs neither pointers nor start-up code.
-/// Made from a literal; one longer than the capacity does not compile.
-template <std::size_t capacity> struct InlineText {
-    static_assert(capacity <= UINT8_MAX);
-
-    char characters[capacity]{};
-    std::uint8_t length = 0;
-
-    constexpr InlineText() = default;
-
-    template <std::size_t size>
-        requires(size <= capacity + 1)
-    constexpr InlineText(const char (&literal)[size])
-        : length(static_cast<std::uint8_t>(size - 1))
-    {
-        std::copy_n(literal, size - 1, characters);
-    }
-
-    constexpr operator std::string_view() const { return {characters, length}; }
-
-    template <std::convertible_to<std::string_view> Text> constexpr bool operator==(const Text& other) const
-    {
-        return std::string_view(*this) == std::string_view(other);
-    }
-};
-
-/// The code of an SMC or HID sensor: four characters, five in a few rows that no hardware can answer.
-using SensorKey = InlineText<5>;
-
-/// One sensor: its code and its display title.
-struct SensorKeyPair {
-    SensorKey key;
-    InlineText<33> name;
-};
-
-constexpr std::string_view keyOf(const SensorKey& key)
-{
-    return key;
-}
-constexpr std::string_view keyOf(const SensorKeyPair& row)
-{
-    return row.key;
-}
-
-/// The first eight bytes as a number: texts without NUL compare as their numbers do, and texts of one length up to
-/// eight are equal when their numbers are.
-constexpr std::uint64_t ordinal(std::string_view text)
-{
-    std::uint64_t number = 0;
-    std::size_t missing = sizeof(number);
-    for (const char character : text.substr(0, sizeof(number))) {
-        number = number << 8 | static_cast<unsigned char>(character);
-        --missing;
-    }
-    return missing == sizeof(number) ? 0 : number << 8 * missing;
-}
-
-static_assert(sizeof(SensorKey::characters) <= sizeof(std::uint64_t)); // so a table's numbers tell its keys apart
-
-/// A constant list of rows with distinct keys. It refers to its rows and owns nothing.
-template <typename Row> struct KeyedTable {
-    std::span<const Row> rows; ///< In catalogue order.
-    std::span<const Row> sorted; ///< The same rows in ascending order of the key's bytes.
-    std::span<const std::uint64_t> ordinals; ///< Those of the sorted rows' keys.
-
-    /// The row of a key, compared exactly and case-sensitively; nullptr when the table does not name it.
-    constexpr const Row* find(std::string_view key) const
-    {
-        const auto number = ordinal(key);
-        const auto place = std::ranges::lower_bound(ordinals, number);
-        if (place == ordinals.end() || *place != number)
-            return nullptr;
-        const auto& row = sorted[static_cast<std::size_t>(place - ordinals.begin())];
-        return keyOf(row).size() == key.size() ? &row : nullptr;
-    }
-
-    constexpr bool contains(std::string_view key) const { return find(key) != nullptr; }
-};
-
-/// A table of sensors: which SMC or HID keys are candidates, and what to call them.
-using SensorTable = KeyedTable<SensorKeyPair>;
-
-/// A list of keys without titles, asked for membership only.
-using KeyList = KeyedTable<SensorKey>;
-
-// What the tables are made with, and proved with, at compile time.
+// What the tables are made with at compile time.
 
 /// The pattern with every '#' replaced by the number in decimal and every '?' by its lower-case hexadecimal digit.
 /// A number that needs more than two decimal digits, or one hexadecimal digit, does not compile.
@@ -163,11 +78,54 @@ template <typename Row, std::size_t count> consteval auto ordinalsOf(const std::
     return ordinals;
 }
 
-template <typename Row, std::size_t count> consteval bool keysAreUnique(const std::array<Row, count>& rows)
+// What the tables are proved with; the compile error about a fault names its key.
+
+constexpr const SensorKey& sensorKeyOf(const SensorKey& key)
+{
+    return key;
+}
+constexpr const SensorKey& sensorKeyOf(const SensorKeyPair& row)
+{
+    return row.key;
+}
+
+/// The first key that stands in more than one row; empty when each stands in one.
+template <typename Row, std::size_t count> consteval SensorKey repeatedKey(const std::array<Row, count>& rows)
 {
     const auto sorted = sortedByKey(rows);
     const auto sameKey = [](const Row& left, const Row& right) { return keyOf(left) == keyOf(right); };
-    return std::ranges::adjacent_find(sorted, sameKey) == sorted.end();
+    const auto found = std::ranges::adjacent_find(sorted, sameKey);
+    return found == sorted.end() ? SensorKey() : sensorKeyOf(*found);
+}
+
+/// The first key that does not begin with "T"; empty when all do.
+template <typename Row, std::size_t count> consteval SensorKey keyWithoutT(const std::array<Row, count>& rows)
+{
+    const auto found = std::ranges::find_if_not(rows, [](const Row& row) { return keyOf(row).starts_with('T'); });
+    return found == rows.end() ? SensorKey() : sensorKeyOf(*found);
+}
+
+template <SensorKey key> consteval bool isNotRepeated()
+{
+    static_assert(key == SensorKey(), "this key stands in two rows of one table");
+    return true;
+}
+
+template <SensorKey key> consteval bool isNotStrange()
+{
+    static_assert(key == SensorKey(), "this key is no temperature of an SMC, and so is never read");
+    return true;
+}
+
+template <const auto& rows> consteval bool keysAreUnique()
+{
+    return isNotRepeated<repeatedKey(rows)>();
+}
+
+/// For the tables that the SMC's keys are looked up in: of those only the ones that begin with "T" are.
+template <const auto& rows> consteval bool keysBeginWithT()
+{
+    return isNotStrange<keyWithoutT(rows)>();
 }
 
 template <typename Row, std::size_t count>

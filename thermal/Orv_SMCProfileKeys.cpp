@@ -1,6 +1,5 @@
-#include "thermal/SensorCatalogue.h"
-
 #include "thermal/Orv_SMCProfileKeys.h"
+
 #include "thermal/tables/CommonSensorKeys.h"
 #include "thermal/tables/CoreKeys.h"
 #include "thermal/tables/HIDSensorNames.h"
