@@ -1,8 +1,9 @@
 # What each script needs of Debian 12.
 build_packages=(g++ cmake ninja-build pkg-config libsystemd-dev nlohmann-json3-dev libfmt-dev libcli11-dev)
 run_packages=(dbus dbus-daemon)
-test_packages=(clang-19 clang-format-19 libc++-19-dev libc++abi-19-dev libclang-rt-19-dev googletest python3
-  libglib2.0-bin systemd python3-dbusmock procps dpkg-dev file man-db util-linux)
+test_packages=(clang-format-19 googletest python3 libglib2.0-bin systemd python3-dbusmock procps dpkg-dev file man-db
+  util-linux)
+clang_packages=(clang-19 libc++-19-dev libc++abi-19-dev libclang-rt-19-dev) # of the presets libcxx, asan and tsan
 bench_packages=(libbenchmark-dev libsensors-dev python3 util-linux)
 fuzz_packages=(clang-19 libclang-rt-19-dev)
 check_packages=(clang-tidy-19 valgrind locales)
