@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <system_error>
 
 namespace orv {
 
@@ -102,6 +104,14 @@ std::size_t characterCount(std::string_view text)
     for (; !text.empty(); ++count)
         text.remove_prefix(isPlain(text.front()) ? 1 : decodeCharacter(text).length);
     return count;
+}
+
+std::optional<std::int64_t> decimalInteger(std::string_view text)
+{
+    std::int64_t number = 0;
+    const auto* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
 }
 
 } // namespace orv

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -28,5 +29,8 @@ std::string textWithoutNoncharacters(std::string_view bytes);
 
 /// How many characters a UTF-8 text has.
 std::size_t characterCount(std::string_view text);
+
+/// The decimal integer that is the whole of a text; nothing when it is none or does not fit.
+std::optional<std::int64_t> decimalInteger(std::string_view text);
 
 } // namespace orv

@@ -8,15 +8,16 @@ import re
 import sys
 from pathlib import Path
 
-# A folder may include itself and, with all that stands below them, these. The longest matching folder name counts.
-ABOVE = {
+# A folder may include itself and, with all that stands below them, these. The longest matching folder name counts. An
+# arrow that nothing needs is a fault too, so that the table stays the truth.
+BELOW = {
     "base": [],
     "readings": [],
     "platform": ["base", "readings"],
     "platform/compat": [],
     "refresh": ["platform"],
-    "smc": ["platform"],
-    "thermal": ["smc"],
+    "smc": ["base", "readings"],
+    "thermal": ["platform", "smc"],
     "bluetooth": ["refresh"],
     "service": ["thermal", "bluetooth"],
     "json": ["platform"],
@@ -26,50 +27,64 @@ ABOVE = {
     "linux/loop": ["platform"],
     "linux/drivers": ["hardware"],
     "linux/bus": ["linux/loop", "service", "simulated"],
-    "linux/bluez": ["linux/bus", "linux/drivers"],
-    "linux": ["linux/bluez"],
-    "orvctl/views": ["service", "json"],
-    "orvctl/collecting": ["linux", "macos"],
+    "linux/bluez": ["linux/bus"],
+    "linux": ["linux/bluez", "linux/drivers"],
+    "orvctl/views": ["json"],
+    "orvctl/collecting": ["linux"],
     "orvctl/commands": ["orvctl/collecting", "orvctl/views"],
-    "orvctl": ["orvctl/commands"],
+    "orvctl": ["orvctl/commands", "orvctl/views"],
     "tests/compat": ["platform/compat"],
-    "tests": ["orvctl"],
-    "bench": ["tests"],
-    "fuzz": ["tests"],
+    "tests/support": ["linux/bus", "linux/drivers"],
+    "tests/macos": ["tests/json"],
+    "tests/service": ["service", "json", "tests/support"],
+    "bench/support": ["json", "thermal"],
+    "bench": ["bench/support", "tests/support"],
+    "fuzz/support": ["tests/support"],
+    "fuzz": ["fuzz/support", "linux"],
 }
-INCLUDE = re.compile(r'^\s*#\s*(?:include|import)\s*"([^"]+)"')
-SYSTEM_CHECK = re.compile(r"^\s*#.*\b(__APPLE__|__linux__)\b")
+INCLUDE = re.compile(r'^\s*#\s*(?:include|import)\s*"([^"]+)"', re.MULTILINE)
+SYSTEM_CHECK = re.compile(r"^\s*#.*\b(__APPLE__|__linux__)\b", re.MULTILINE)
 SYSTEMS = {"macos", "linux", "linux/loop", "linux/drivers", "linux/bus", "linux/bluez", "hardware"}
 
 
 def layer_of(path):
-    matching = [name for name in ABOVE if path.startswith(name + "/")]
+    """Each folder of the tests that is not listed is a layer over the folder that it mirrors."""
+    matching = [name for name in BELOW if path.startswith(name + "/")]
+    if path.startswith("tests/") and not matching:
+        return path.rpartition("/")[0]
     return max(matching, key=len, default=None)
 
 
+def below(layer):
+    if layer in BELOW:
+        return BELOW[layer]
+    mirrored = layer_of(layer.removeprefix("tests/") + "/")
+    return ["tests/support", *([mirrored] if mirrored else [])]
+
+
 def allowed(layer):
-    below = {layer}
-    for name in ABOVE[layer]:
-        below |= allowed(name)
-    return below
+    return {layer}.union(*map(allowed, below(layer)))
 
 
-def faults_of(root, file):
-    path = file.relative_to(root).as_posix()
+def faults_of(path, text, used):
     layer = layer_of(path)
-    for number, line in enumerate(file.read_text(encoding="utf-8").splitlines(), 1):
-        if SYSTEM_CHECK.match(line) and layer not in SYSTEMS:
-            yield f"{path}:{number}: asks for the operating system outside its own folder"
-        included = INCLUDE.match(line)
-        if included and layer_of(included[1]) not in allowed(layer):
-            yield f"{path}:{number}: {layer} may not include {included[1]}"
+    for asked in SYSTEM_CHECK.finditer(text):
+        if layer not in SYSTEMS:
+            yield f"{path}: asks for the operating system outside its own folder: {asked[0].strip()}"
+    for included in INCLUDE.findall(text):
+        used.add((layer, layer_of(included)))
+        if layer_of(included) not in allowed(layer):
+            yield f"{path}: {layer} may not include {included}"
 
 
 def main():
     root = Path(sys.argv[1]).resolve()
-    files = [file for name in sorted({name.split("/")[0] for name in ABOVE}) for file in (root / name).rglob("*")
-             if file.suffix in {".h", ".cpp", ".mm"}]
-    faults = [fault for file in files for fault in faults_of(root, file)]
+    files = [file.relative_to(root).as_posix() for top in sorted({name.split("/")[0] for name in BELOW})
+             for file in (root / top).rglob("*") if file.suffix in {".h", ".cpp", ".mm"}]
+    used = set()
+    faults = [fault for path in files for fault in faults_of(path, (root / path).read_text(encoding="utf-8"), used)]
+    faults += [f"{layer} includes nothing of {name}, which check_layers.py lists below it"
+               for layer, names in BELOW.items() for name in names if (layer, name) not in used]
     print("\n".join(faults) or f"{len(files)} files include only what stands below them")
     return 1 if faults or not files else 0
 

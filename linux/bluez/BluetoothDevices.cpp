@@ -4,7 +4,7 @@
 #include "linux/bluez/BluezNames.h"
 #include "linux/bus/BusHandles.h"
 #include "linux/bus/BusMessageReader.h"
-#include "linux/drivers/AttributeText.h"
+#include "readings/Text.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -81,7 +81,7 @@ std::optional<BluetoothDevice> hidDevice(const std::filesystem::path& supply)
     if (name.size() < prefix.size() + suffix.size() || !name.starts_with(prefix) || !name.ends_with(suffix))
         return std::nullopt;
     const auto address = upperCase(name.substr(prefix.size(), name.size() - prefix.size() - suffix.size()));
-    const auto percentage = attributeNumber(firstLine(supply / "capacity"));
+    const auto percentage = decimalInteger(firstLine(supply / "capacity"));
     if (!isAddress(address) || !percentage || *percentage < 0 || *percentage > largestPercentage)
         return std::nullopt;
     const auto model = firstLine(supply / "model_name");

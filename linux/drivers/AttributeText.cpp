@@ -1,10 +1,9 @@
 #include "linux/drivers/AttributeText.h"
 
+#include "readings/Text.h"
 #include "smc/FourCharCode.h"
 
-#include <charconv>
 #include <cstddef>
-#include <system_error>
 
 namespace orv {
 
@@ -19,13 +18,7 @@ std::string_view withoutNewline(std::string_view text)
 
 std::optional<std::int64_t> attributeNumber(std::string_view text)
 {
-    std::int64_t number = 0;
-    const auto* begin = text.data();
-    const auto* end = begin + text.size();
-    const auto [stop, error] = std::from_chars(begin, end, number);
-    if (error != std::errc() || (stop != end && *stop != '\n'))
-        return std::nullopt;
-    return number;
+    return decimalInteger(text.substr(0, text.find('\n')));
 }
 
 std::optional<std::uint32_t> attributeCode(std::string_view text)

@@ -35,3 +35,22 @@ TEST(TextWithoutNoncharacters, ReplacesThemAndNul)
     EXPECT_EQ(textWithoutNoncharacters("\xEF\xB7\x8F\xEF\xB7\xB0\xEF\xBF\xBD\x7F"),
         "\xEF\xB7\x8F\xEF\xB7\xB0\xEF\xBF\xBD\x7F");
 }
+
+TEST(DecimalInteger, IsTheWholeText)
+{
+    struct Case {
+        const char* text;
+        std::optional<std::int64_t> number;
+    };
+    const Case cases[]{
+        {"100", 100},
+        {"-7", -7},
+        {"9223372036854775807", 9223372036854775807},
+        {"9223372036854775808", std::nullopt},
+        {"", std::nullopt},
+        {"7 ", std::nullopt},
+        {"0x7", std::nullopt},
+    };
+    for (const auto& [text, number] : cases)
+        EXPECT_EQ(decimalInteger(text), number) << text;
+}
