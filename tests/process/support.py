@@ -1,12 +1,15 @@
 """Runs the built programs on a private session bus. Every wait is bounded."""
 
+import functools
 import json
 import os
 import pathlib
+import pty
 import select
 import shutil
 import signal
 import subprocess
+import sys
 import tempfile
 import time
 import unittest
@@ -49,6 +52,20 @@ def plain(value):
     if value.keys() == {"type", "data"}:
         return plain(value["data"])
     return {key: plain(content) for key, content in value.items()}
+
+
+def needs_a_terminal(test):
+    """Where there are no pseudo-terminals, as in a plain chroot, the test says so and is left out."""
+    @functools.wraps(test)
+    def run(self):
+        try:
+            for file in pty.openpty():
+                os.close(file)
+        except OSError as error:
+            print(f"not tested: {self.id()} needs a pseudo-terminal (is /dev/pts mounted?): {error}", file=sys.stderr)
+            return
+        test(self)
+    return run
 
 
 class ProcessTest(unittest.TestCase):

@@ -5,7 +5,7 @@ import os
 import pty
 import unittest
 
-from support import BIN, MACHINES, ProcessTest, mac, report
+from support import BIN, MACHINES, ProcessTest, mac, needs_a_terminal, report
 
 ESCAPE = "\x1b"
 
@@ -51,6 +51,7 @@ class OrvctlTest(ProcessTest):
                     reply = json.loads(self.orvctl(request, "--json", "--simulate", machine))
                     self.assertLessEqual({key for key in reply if key not in table}, set())
 
+    @needs_a_terminal
     def test_colour_is_for_terminals_that_want_it(self):
         machine = self.machine_file(mac())
         self.assertIn(ESCAPE, self.on_a_terminal("thermal", "--simulate", machine))
