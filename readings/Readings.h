@@ -33,7 +33,8 @@ struct FanEntry {
 };
 
 /// Sensor code (an SMC key, a HID sensor code or a fan's actual-speed key) to its reading. Of a std::map it has what is
-/// needed, in one block of memory: a refresh adds its few dozen readings in order, and frees those of the last one.
+/// needed, in one block of memory: a refresh adds its few dozen readings in order, and frees those of the last one,
+/// for which a std::map takes half as many instructions again.
 class ThermalDictionary {
 public:
     using Reading = std::variant<TemperatureEntry, FanEntry>;
