@@ -50,4 +50,14 @@ std::optional<std::string> readFile(const std::string& path, std::size_t limit)
     }
 }
 
+std::string_view firstLine(std::string_view text)
+{
+    return text.substr(0, text.find_first_of(std::string_view("\n\0", 2)));
+}
+
+std::string firstLineOfFile(const std::string& path, std::size_t limit)
+{
+    return std::string(firstLine(readFile(path, limit).value_or("")));
+}
+
 } // namespace orv

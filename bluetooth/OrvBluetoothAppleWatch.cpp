@@ -1,6 +1,7 @@
 #include "bluetooth/OrvBluetoothAppleWatch.h"
 
 #include "base/File.h"
+#include "bluetooth/WatchFile.h"
 #include "platform/Bundle.h"
 #include "platform/JSON.h"
 
@@ -58,7 +59,7 @@ std::optional<std::string> OrvBluetoothAppleWatch::watchBatteryFileURL() const
     const auto container = platform.bundle.groupContainer(applicationGroupIdentifier);
     if (!container)
         return std::nullopt;
-    return *container + "/Library/Application Support/applewatchbt.json";
+    return *container + watchFileInContainer;
 }
 
 void OrvBluetoothAppleWatch::readWatchBatteryFile()

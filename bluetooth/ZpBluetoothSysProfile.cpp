@@ -10,7 +10,6 @@ namespace orv::ZpBluetoothSysProfile {
 
 namespace {
 
-const std::string profilerPath = "/usr/sbin/system_profiler";
 const std::vector<std::string> profilerArguments{"SPBluetoothDataType", "-json"};
 
 } // namespace

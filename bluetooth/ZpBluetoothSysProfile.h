@@ -8,6 +8,9 @@
 
 namespace orv::ZpBluetoothSysProfile {
 
+/// The system profiler; where there is none, the platform's launcher has something else run for this path.
+inline constexpr const char* profilerPath = "/usr/sbin/system_profiler";
+
 /// Runs the system profiler once, in the background, and delivers the battery levels of the connected devices on the
 /// main thread, once; never when the profiler cannot be started. Returns at once.
 void fetchBatteryLevels(

@@ -1,5 +1,6 @@
 #include "linux/ProfilerProgram.h"
 
+#include "bluetooth/ZpBluetoothSysProfile.h"
 #include "linux/ProgramPaths.h"
 #include "simulated/ProfilerEnvironment.h"
 
@@ -7,21 +8,15 @@
 
 namespace orv {
 
-namespace {
-
-constexpr const char* systemProfiler = "/usr/sbin/system_profiler";
-
-} // namespace
-
 std::map<std::string, LaunchedProgram> hostProfilerProgram()
 {
-    return {{systemProfiler, {helperProgram("system_profiler"), {}}}};
+    return {{ZpBluetoothSysProfile::profilerPath, {helperProgram("system_profiler"), {}}}};
 }
 
 std::map<std::string, LaunchedProgram> simulatedProfilerProgram(const std::string& machinePath)
 {
     auto variable = std::string(profilerMachineVariable) + "=" + std::filesystem::absolute(machinePath).string();
-    return {{systemProfiler, {helperProgram("system_profiler"), {std::move(variable)}}}};
+    return {{ZpBluetoothSysProfile::profilerPath, {helperProgram("system_profiler"), {std::move(variable)}}}};
 }
 
 } // namespace orv

@@ -1,5 +1,6 @@
 #include "service/OrvSMCHelperServer.h"
 
+#include "bluetooth/BluetoothReadings.h"
 #include "bluetooth/OrvBluetoothAppleWatch.h"
 #include "bluetooth/OrvBluetoothSysProfile.h"
 #include "smc/SMC.h"
@@ -36,7 +37,7 @@ void OrvSMCHelperServer::beginUpdate()
     smcData.replace(Orv_SMCHelper::collectThermalReadings(sources.profile(), sources.smc(), hidEventSystem));
     auto systemProfile = sources.systemProfile().systemBlueToothDictionary;
     auto watch = sources.watch().systemBlueToothDictionary;
-    btData.replace(mergeReadings(std::move(watch), std::move(systemProfile)));
+    btData.replace(bluetoothReadings(std::move(systemProfile), std::move(watch)));
     finishUpdate();
 }
 

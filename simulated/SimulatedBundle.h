@@ -1,5 +1,6 @@
 #pragma once
 
+#include "bluetooth/WatchFile.h"
 #include "platform/Bundle.h"
 
 #include <mutex>
@@ -37,9 +38,9 @@ private:
     enum class State { absent, present, removed } state = State::absent;
     struct Paths {
         std::string container;
-        std::string library = container + "/Library";
-        std::string support = library + "/Application Support";
-        std::string file = support + "/applewatchbt.json";
+        std::string file = container + watchFileInContainer;
+        std::string support = file.substr(0, file.rfind('/'));
+        std::string library = support.substr(0, support.rfind('/'));
         std::string unfinished = file + ".new";
     } paths; // their common beginning gets its final name with the container
 };

@@ -22,7 +22,7 @@ BELOW = {
     "service": ["thermal", "bluetooth"],
     "json": ["platform"],
     "hardware": ["smc"],
-    "simulated": ["json", "hardware"],
+    "simulated": ["json", "hardware", "bluetooth"],
     "macos": ["service"],
     "linux/loop": ["platform"],
     "linux/drivers": ["hardware"],

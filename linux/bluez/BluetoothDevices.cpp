@@ -66,11 +66,10 @@ std::optional<BluetoothDevice> deviceOf(const Dictionary& interfaces)
         percentageOf(interfaces.findAs<Dictionary>(bluezBattery))};
 }
 
-std::string firstLine(const std::filesystem::path& path)
+std::string attribute(const std::filesystem::path& supply, const char* name)
 {
     constexpr std::size_t largestAttribute = 4096;
-    const auto content = readFile(path.string(), largestAttribute).value_or("");
-    return content.substr(0, content.find('\n'));
+    return firstLineOfFile((supply / name).string(), largestAttribute);
 }
 
 std::optional<BluetoothDevice> hidDevice(const std::filesystem::path& supply)
@@ -81,10 +80,10 @@ std::optional<BluetoothDevice> hidDevice(const std::filesystem::path& supply)
     if (name.size() < prefix.size() + suffix.size() || !name.starts_with(prefix) || !name.ends_with(suffix))
         return std::nullopt;
     const auto address = upperCase(name.substr(prefix.size(), name.size() - prefix.size() - suffix.size()));
-    const auto percentage = decimalInteger(firstLine(supply / "capacity"));
+    const auto percentage = decimalInteger(attribute(supply, "capacity"));
     if (!isAddress(address) || !percentage || *percentage < 0 || *percentage > largestPercentage)
         return std::nullopt;
-    const auto model = firstLine(supply / "model_name");
+    const auto model = attribute(supply, "model_name");
     return BluetoothDevice{address, model.empty() ? address : model, true, static_cast<std::uint8_t>(*percentage)};
 }
 

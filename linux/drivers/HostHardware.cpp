@@ -21,13 +21,6 @@ std::string trimmed(std::string_view text)
     return std::string(text.substr(first, text.find_last_not_of(blank) - first + 1));
 }
 
-// A sysfs text ends with a newline, a device-tree text with a NUL.
-std::string firstLine(const std::string& path)
-{
-    const auto content = readFile(path, largestSystemFile).value_or("");
-    return trimmed(std::string_view(content).substr(0, content.find_first_of(std::string_view("\n\0", 2))));
-}
-
 // The first "model name" line of /proc/cpuinfo, which processors other than x86 do not have.
 std::string processorName(const std::string& root)
 {
@@ -54,8 +47,8 @@ std::string firstNonEmpty(std::initializer_list<std::string> texts)
 HostHardware::HostHardware(const std::string& root, SMCAttributes& attributes)
     : driver(attributes, root)
 {
-    const auto productName = firstLine(root + "/sys/class/dmi/id/product_name");
-    const auto deviceTreeModel = firstLine(root + "/proc/device-tree/model");
+    const auto productName = trimmed(firstLineOfFile(root + "/sys/class/dmi/id/product_name", largestSystemFile));
+    const auto deviceTreeModel = trimmed(firstLineOfFile(root + "/proc/device-tree/model", largestSystemFile));
     // On Apple silicon the device tree's text names both the maker and the chip, and nothing else does.
     const auto appleModel = deviceTreeModel.starts_with("Apple ") ? deviceTreeModel : "";
     const auto model = firstNonEmpty({appleModel, productName, deviceTreeModel});

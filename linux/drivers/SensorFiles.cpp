@@ -1,5 +1,6 @@
 #include "linux/drivers/SensorFiles.h"
 
+#include "base/File.h"
 #include "linux/drivers/AttributeText.h"
 #include "smc/Fans.h"
 #include "smc/FourCharCode.h"
@@ -165,8 +166,7 @@ std::string SensorFiles::text(const std::string& file) const
 {
     std::array<char, 64> text;
     const auto count = KeptAttribute(calls, folder + '/' + file).read(text);
-    const std::string_view characters(text.data(), count < 0 ? 0 : static_cast<std::size_t>(count));
-    return std::string(characters.substr(0, characters.find('\n')));
+    return std::string(firstLine({text.data(), count < 0 ? 0 : static_cast<std::size_t>(count)}));
 }
 
 bool SensorFiles::exists(const std::string& file) const

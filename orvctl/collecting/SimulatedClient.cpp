@@ -1,5 +1,6 @@
 #include "orvctl/collecting/SimulatedClient.h"
 
+#include "bluetooth/BluetoothReadings.h"
 #include "bluetooth/OrvBluetoothAppleWatch.h"
 #include "bluetooth/OrvBluetoothSysProfile.h"
 #include "orvctl/collecting/SimulatedProfiler.h"
@@ -25,7 +26,7 @@ BluetoothBatteryDictionary collectBluetoothReadings(SimulatedPlatform& simulatio
     simulation.bundle.removeContainer(); // before the profiler runs: however that ends, no folder is left behind
     const auto monitor = OrvBluetoothSysProfile::create(simulation.platform);
     runLoop.runPending();
-    return mergeReadings(watch->systemBlueToothDictionary, monitor->systemBlueToothDictionary);
+    return bluetoothReadings(monitor->systemBlueToothDictionary, watch->systemBlueToothDictionary);
 }
 
 } // namespace

@@ -7,13 +7,27 @@
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
+#include <string>
+#include <string_view>
 
 using namespace orv;
+using namespace std::string_view_literals;
 
-TEST(ReadFile, TakesRegularFilesUpToTheLimit)
+namespace {
+
+struct Files : testing::Test {
+    Files() { std::filesystem::create_directories(folder); }
+    ~Files() override { std::filesystem::remove_all(folder); }
+
+    const std::filesystem::path folder =
+        std::filesystem::temp_directory_path() / ("orv-file-test-" + std::to_string(getpid()));
+};
+
+} // namespace
+
+TEST_F(Files, AreReadUpToTheLimit)
 {
-    const auto folder = std::filesystem::temp_directory_path() / ("orv-file-test-" + std::to_string(getpid()));
-    std::filesystem::create_directories(folder);
     const std::string content("a\0b", 3);
     std::ofstream(folder / "file", std::ios::binary) << content;
     std::ofstream(folder / "empty");
@@ -28,5 +42,32 @@ TEST(ReadFile, TakesRegularFilesUpToTheLimit)
     EXPECT_EQ(errno, EISDIR);
     EXPECT_EQ(readFile(folder / "nothing", 3), std::nullopt);
     EXPECT_EQ(errno, ENOENT);
-    std::filesystem::remove_all(folder);
+}
+
+// The kernel announces no length for a file of its own and hands out a page at a time.
+TEST_F(Files, OfTheKernelArriveInSeveralReads)
+{
+    const auto maps = readFile("/proc/self/maps", 64 << 20);
+    if (!maps)
+        GTEST_SKIP() << "no /proc here";
+    ASSERT_GT(maps->size(), 4096u);
+    std::istringstream lines(*maps);
+    unsigned long long last = 0;
+    for (std::string line; std::getline(lines, line);) {
+        const auto start = std::stoull(line, nullptr, 16);
+        EXPECT_GT(start, last) << line;
+        last = start;
+    }
+    EXPECT_NE(maps->find("[stack]"), std::string::npos);
+}
+
+TEST_F(Files, HaveAFirstLine)
+{
+    std::ofstream(folder / "file", std::ios::binary) << "one\ntwo\n";
+    EXPECT_EQ(firstLineOfFile(folder / "file", 8), "one");
+    EXPECT_EQ(firstLineOfFile(folder / "file", 7), "");
+    EXPECT_EQ(firstLineOfFile(folder / "nothing", 8), "");
+    for (const auto text : {"one"sv, "one\n"sv, "one\0\n"sv, "one\n\0"sv})
+        EXPECT_EQ(firstLine(text), "one");
+    EXPECT_EQ(firstLine("\none"), "");
 }

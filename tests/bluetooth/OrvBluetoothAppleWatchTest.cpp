@@ -79,13 +79,13 @@ TEST_F(WatchReader, KeepsTheLastEntriesWhenTheFileTurnsBad)
 
 TEST_F(WatchReader, StartsNoCycleWhileTheComputerSleepsAndEndsTheOneUnderWay)
 {
-    mac.simulation.workspace.sleep();
+    mac.sleep();
     mac.runLoop.advance(Seconds(120));
     EXPECT_EQ(launches, 1);
     EXPECT_TRUE(hasEntry("watch-1"));
-    mac.simulation.workspace.wake();
+    mac.wake();
     EXPECT_EQ(launches, 2);
-    mac.simulation.workspace.wake();
+    mac.wake();
     EXPECT_EQ(launches, 2);
 }
 

@@ -70,22 +70,22 @@ TEST_F(BluetoothMonitor, AbsorbsEventsWhileARefreshIsUnderWay)
 TEST_F(BluetoothMonitor, StartsNothingWhileTheComputerSleeps)
 {
     deliver(reportOf("AA:BB"));
-    mac.simulation.workspace.sleep();
+    mac.sleep();
     disturb();
     EXPECT_EQ(launches(), 1u);
-    mac.simulation.workspace.wake();
+    mac.wake();
     mac.runLoop.runPending();
     EXPECT_EQ(launches(), 2u);
 }
 
 TEST_F(BluetoothMonitor, StoresADeliveryThatArrivesDuringSleep)
 {
-    mac.simulation.workspace.sleep();
+    mac.sleep();
     deliver(reportOf("AA:BB"));
     EXPECT_TRUE(monitor->systemBlueToothDictionary.contains("aa-bb"));
     EXPECT_FALSE(monitor->isUpdating);
-    mac.simulation.workspace.wake();
-    mac.simulation.workspace.wake(); // the second one finds a refresh under way
+    mac.wake();
+    mac.wake(); // the second one finds a refresh under way
     mac.runLoop.runPending();
     EXPECT_EQ(launches(), 2u);
 }
@@ -98,8 +98,8 @@ TEST_F(BluetoothMonitor, StopsForGoodWhenTheProfilerCannotBeStarted)
     EXPECT_EQ(launches(), 2u);
     mac.launcher.canStart = true;
     disturb();
-    mac.simulation.workspace.sleep();
-    mac.simulation.workspace.wake();
+    mac.sleep();
+    mac.wake();
     disturb();
     EXPECT_EQ(launches(), 2u);
     EXPECT_TRUE(monitor->systemBlueToothDictionary.contains("aa-bb"));
@@ -112,6 +112,6 @@ TEST_F(BluetoothMonitor, IsNotKeptAliveByADeliveryOrAnEvent)
     EXPECT_TRUE(watched.expired());
     deliver(reportOf("AA:BB"));
     disturb();
-    mac.simulation.workspace.wake();
+    mac.wake();
     EXPECT_EQ(launches(), 1u);
 }

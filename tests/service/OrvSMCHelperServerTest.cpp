@@ -66,12 +66,12 @@ TEST(Server, PausesDuringSleepAndRefreshesOnEachWake)
 {
     TestMac mac(watchedMac);
     const TestServer test(mac);
-    mac.simulation.workspace.sleep();
+    mac.sleep();
     mac.runLoop.advance(Seconds(60));
     EXPECT_EQ(test.degrees(), 40);
-    mac.simulation.workspace.wake();
+    mac.wake();
     EXPECT_EQ(test.degrees(), 41);
-    mac.simulation.workspace.wake();
+    mac.wake();
     EXPECT_EQ(test.degrees(), 42);
 }
 

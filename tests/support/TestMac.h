@@ -57,6 +57,9 @@ struct TestMac {
     TestMac(const TestMac&) = delete;
     TestMac& operator=(const TestMac&) = delete;
 
+    void sleep() { simulation.workspace.sleep(); }
+    void wake() { simulation.workspace.wake(); }
+
     MachineFile machine;
     ManualRunLoop runLoop;
     ManualLauncher launcher;
