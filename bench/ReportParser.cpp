@@ -1,6 +1,7 @@
 // The report reader against nlohmann's own document of the same bytes: time, and the most heap that either takes.
 
 #include "bench/support/Allocations.h"
+#include "bench/support/SampleReport.h"
 #include "bluetooth/SystemProfilerReport.h"
 
 #include <benchmark/benchmark.h>
@@ -12,27 +13,9 @@ using namespace orv;
 
 namespace {
 
-std::string device(std::size_t number)
-{
-    const auto text = std::to_string(number);
-    return R"({"Device )" + text + R"(": {"device_address": "AA:BB:CC:00:00:)" + text
-        + R"(", "device_batteryLevelMain": "85%", "device_firmwareVersion": "1.2.3", "device_minorType": "Keyboard",)"
-        + R"( "device_productID": "0x0267", "device_rssi": "-54", "device_services": "0x800020 < HID ACL >",)"
-        + R"( "device_vendorID": "0x004C"}})";
-}
-
-std::string report(std::size_t bytes)
-{
-    std::string text = R"({"SPBluetoothDataType": [{"controller_properties": {"controller_state": "attrib_on"}, )"
-                       R"("device_connected": [)";
-    for (std::size_t number = 0; text.size() < bytes; ++number)
-        text += (number == 0 ? "" : ", ") + device(number);
-    return text + "]}]}";
-}
-
 template <typename Read> void measure(benchmark::State& state, Read read)
 {
-    const auto text = report(static_cast<std::size_t>(state.range(0)));
+    const auto text = sampleReport(static_cast<std::size_t>(state.range(0)));
     const auto before = allocatedBytes();
     resetPeakOfAllocatedBytes();
     benchmark::DoNotOptimize(read(text));

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <exception>
 #include <limits>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -21,53 +22,60 @@ using JSON = nlohmann::json;
 constexpr std::size_t depthLimit = 512; // Foundation's
 
 /// Builds a Value from the reader's events. Members of all open containers lie in one list, so that every finished
-/// container is allocated once, at its size.
-class ValueBuilder final : public nlohmann::json_sax<JSON> {
+/// container is allocated once, at its size. Not derived from the library's interface, whose calls are virtual.
+class ValueBuilder {
 public:
+    using number_integer_t = JSON::number_integer_t;
+    using number_unsigned_t = JSON::number_unsigned_t;
+    using number_float_t = JSON::number_float_t;
+    using string_t = JSON::string_t;
+    using binary_t = JSON::binary_t;
+
     explicit ValueBuilder(bool refuseEqualKeys)
         : refusesEqualKeys(refuseEqualKeys)
     {
     }
 
-    bool null() override { return add(Value()); }
-    bool boolean(bool truth) override { return add(truth); }
-    bool number_integer(number_integer_t number) override { return add(std::int64_t{number}); }
-    bool number_unsigned(number_unsigned_t number) override
+    bool null() { return add(nullptr); }
+    bool boolean(bool truth) { return add(truth); }
+    bool number_integer(number_integer_t number) { return add(std::int64_t{number}); }
+    bool number_unsigned(number_unsigned_t number)
     {
         if (number > static_cast<number_unsigned_t>(std::numeric_limits<std::int64_t>::max()))
             return add(std::uint64_t{number});
         return add(static_cast<std::int64_t>(number));
     }
-    bool number_float(number_float_t number, const string_t&) override { return add(double{number}); }
-    bool string(string_t& text) override { return add(std::move(text)); }
-    bool binary(binary_t&) override { return false; }
+    bool number_float(number_float_t number, const string_t&) { return add(double{number}); }
+    // Copied: a text that is taken from the reader leaves it without a buffer for the next.
+    bool string(string_t& text) { return add(std::string(text)); }
+    bool binary(binary_t&) { return false; }
 
-    bool start_object(std::size_t) override { return begin(); }
-    bool key(string_t& name) override
+    bool start_object(std::size_t) { return begin(true); }
+    bool key(string_t& name)
     {
-        keys.back() = std::move(name);
+        pending.emplace_back().key = name;
         return true;
     }
-    bool end_object() override
+    bool end_object()
     {
         if (refusesEqualKeys && repeatsAKey())
             return false;
-        std::vector<Member> members(
-            std::make_move_iterator(pending.begin() + starts.back()), std::make_move_iterator(pending.end()));
-        return end(Dictionary(std::move(members)));
+        const auto first = firstOfInnermost();
+        return end(
+            Dictionary(std::vector<Member>(std::make_move_iterator(first), std::make_move_iterator(pending.end()))));
     }
 
-    bool start_array(std::size_t) override { return begin(); }
-    bool end_array() override
+    bool start_array(std::size_t) { return begin(false); }
+    bool end_array()
     {
         Array array;
-        array.reserve(static_cast<std::size_t>(pending.end() - pending.begin() - starts.back()));
-        for (auto member = pending.begin() + starts.back(); member != pending.end(); ++member)
+        array.reserve(static_cast<std::size_t>(pending.end() - firstOfInnermost()));
+        for (auto member = firstOfInnermost(); member != pending.end(); ++member)
             array.push_back(std::move(member->value));
         return end(std::move(array));
     }
 
-    bool parse_error(std::size_t position, const std::string&, const nlohmann::detail::exception&) override
+    [[gnu::cold]] bool parse_error(std::size_t position, const std::string&, const JSON::exception&)
     {
         fault = "not JSON near byte " + std::to_string(position);
         return false;
@@ -77,43 +85,54 @@ public:
     std::string fault;
 
 private:
-    bool add(Value value)
+    struct Container {
+        std::size_t first; // its members' place in the list
+        bool isObject;
+    };
+
+    std::vector<Member>::iterator firstOfInnermost()
     {
-        if (starts.empty()) {
+        return pending.begin() + static_cast<std::ptrdiff_t>(open.back().first);
+    }
+
+    // An object's member is in the list since its key was read.
+    template <typename Content> bool add(Content content)
+    {
+        if (open.empty()) {
             fault = "neither an object nor an array";
             return false;
         }
-        pending.push_back({std::move(keys.back()), std::move(value)});
+        if (!open.back().isObject)
+            pending.emplace_back();
+        pending.back().value.data.template emplace<Content>(std::move(content));
         return true;
     }
 
-    bool begin()
+    bool begin(bool isObject)
     {
-        if (starts.size() == depthLimit) {
+        if (open.size() == depthLimit) {
             fault = "nested too deep";
             return false;
         }
-        starts.push_back(static_cast<std::ptrdiff_t>(pending.size()));
-        keys.emplace_back();
+        open.push_back({pending.size(), isObject});
         return true;
     }
 
-    bool end(Value container)
+    template <typename Content> bool end(Content container)
     {
-        pending.erase(pending.begin() + starts.back(), pending.end());
-        starts.pop_back();
-        keys.pop_back();
-        if (!starts.empty())
+        pending.erase(firstOfInnermost(), pending.end());
+        open.pop_back();
+        if (!open.empty())
             return add(std::move(container));
         finished = std::move(container);
         return true;
     }
 
-    // Cold, so that the compiler spends its inlining on what every byte passes through: a fifth of the time.
+    // Cold, so that the compiler spends its inlining on what every byte passes through.
     [[gnu::cold]] bool repeatsAKey()
     {
         std::vector<std::string_view> names;
-        for (auto member = pending.begin() + starts.back(); member != pending.end(); ++member)
+        for (auto member = firstOfInnermost(); member != pending.end(); ++member)
             names.push_back(member->key);
         std::ranges::sort(names);
         const auto repeated = std::ranges::adjacent_find(names);
@@ -128,19 +147,19 @@ private:
     [[gnu::cold]] std::string pathOfOpenContainer() const
     {
         std::string path;
-        for (std::size_t level = 0; level + 1 < starts.size(); ++level) {
-            if (keys[level].empty())
-                path += "[" + std::to_string(starts[level + 1] - starts[level]) + "]";
+        for (std::size_t level = 0; level + 1 < open.size(); ++level) {
+            const auto next = open[level + 1].first;
+            if (open[level].isObject)
+                path += (path.empty() ? "" : ".") + pending[next - 1].key;
             else
-                path += (path.empty() ? "" : ".") + keys[level];
+                path += "[" + std::to_string(next - open[level].first) + "]";
         }
         return path;
     }
 
     const bool refusesEqualKeys;
     std::vector<Member> pending;
-    std::vector<std::ptrdiff_t> starts; // where each open container's members begin
-    std::vector<std::string> keys; // the latest key of each open container
+    std::vector<Container> open;
 };
 
 std::optional<Value> read(std::string_view bytes, ValueBuilder& builder)
