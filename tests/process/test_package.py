@@ -107,12 +107,32 @@ class PackageTest(ProcessTest):
         unit.write_text(unit.read_text().replace("ExecStart=/", f"ExecStart={self.root}/"))
         self.assertEqual(run("systemd-analyze", "verify", "--man=no", unit).stderr, "")
 
+    def drop_ins(self, data_home, unshare):
+        """What the generator adds to the unit where making a namespace ends like the program unshare."""
+        programs, units = self.folder / "programs", self.folder / f"units-{unshare}"
+        programs.mkdir(exist_ok=True)
+        (programs / "unshare").unlink(missing_ok=True)
+        (programs / "unshare").symlink_to(f"/bin/{unshare}")
+        subprocess.run([self.root / "usr/lib/systemd/user-generators/orv-smc-helper-generator", units], check=True,
+                       env=TOOLS | {"PATH": f"{programs}:{TOOLS['PATH']}", "XDG_DATA_HOME": data_home})
+        return sorted(units.rglob("*.conf"))
+
+    def test_unit_is_fitted_to_where_it_runs(self):
+        self.assertEqual(self.drop_ins("not/absolute", "true"), [])
+        data, = self.drop_ins('/srv/a "b"%', "true")
+        self.assertEqual(data.read_text(), '[Service]\nReadWritePaths=-"/srv/a \\"b\\"%%/group.org.orv"\n')
+        data, unprivileged = self.drop_ins("/srv", "false")  # the later one takes the earlier one's path back
+        taken_back = self.sections(str(unprivileged.readlink()).lstrip("/"))["Service"]
+        unit = list(self.sections("usr/lib/systemd/user/orv-smc-helper.service")["Service"])
+        self.assertEqual(set(taken_back), set(unit[unit.index("PrivateUsers"):]))
+
     def test_group_of_the_rule_is_made(self):
         (self.root / "etc").mkdir()
         run("systemd-sysusers", f"--root={self.root}")
         group, = re.findall(r"^(\S+?):", (self.root / "etc/group").read_text(), re.MULTILINE)
         rule = (self.root / "usr/lib/udev/rules.d/60-orv-smc.rules").read_text()
         self.assertIn(f"chgrp {group} ", rule)
+        self.assertIn(f"getent group {group}\"", rule)
 
     def test_manual_pages_have_no_faults(self):
         for page in "man8/orv-smc-helper.8", "man1/orvctl.1":
