@@ -3,6 +3,7 @@
 // its reply. Prints one JSON object; times are milliseconds.
 
 #include "linux/bus/BusNames.h"
+#include "service/Request.h"
 #include "tests/support/UnansweredBus.h"
 
 #include <signal.h>
@@ -93,7 +94,8 @@ int main(int argumentCount, char** arguments)
         return std::fputs("usage: bench-activation COUNT\n", stderr), 2;
     sd_bus* bus = nullptr;
     check(sd_bus_open_user(&bus), "cannot connect");
-    Service measured{ORV_BUNDLE_IDENTIFIER, objectPath(ORV_BUNDLE_IDENTIFIER), requestInterface, thermalMethod};
+    Service measured{
+        ORV_BUNDLE_IDENTIFIER, objectPath(ORV_BUNDLE_IDENTIFIER), requestInterface, methodOf(Request::thermal)};
     Service empty{"org.orv.Empty", "/", "org.orv.Empty", "Nothing"};
     for (unsigned long done = 0; done < count; ++done) {
         activate(bus, empty);

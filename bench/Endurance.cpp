@@ -9,7 +9,7 @@
 #include "bluetooth/OrvBluetoothSysProfile.h"
 #include "platform/ProcessLauncher.h"
 #include "service/OrvSMCHelperServer.h"
-#include "service/Replies.h"
+#include "service/ValueSink.h"
 #include "simulated/ManualRunLoop.h"
 #include "simulated/SimulatedPlatform.h"
 #include "smc/SMC.h"

@@ -3,6 +3,7 @@
 
 #include "linux/bus/BusMessageReader.h"
 #include "linux/bus/BusNames.h"
+#include "service/Request.h"
 #include "tests/support/UnansweredBus.h"
 
 #include <algorithm>
@@ -93,7 +94,7 @@ void measureAgainstPing(std::size_t count)
     Times requests;
     for (std::size_t done = 0; done < count + warmUp; ++done) {
         pings.measure([&] { call(bus, "org.freedesktop.DBus.Peer", "Ping"); });
-        requests.measure([&] { call(bus, requestInterface, thermalMethod); });
+        requests.measure([&] { call(bus, requestInterface, methodOf(Request::thermal)); });
     }
     printPair(pings, "ping", requests, "thermal");
 }
@@ -105,8 +106,8 @@ void measureBesideSlowRefresh(std::size_t count, const char* idleAddress, const 
     Times idle;
     Times slow;
     for (std::size_t done = 0; done < count + warmUp; ++done) {
-        idle.measure([&] { call(idleBus, requestInterface, thermalMethod); });
-        slow.measure([&] { call(slowBus, requestInterface, thermalMethod); });
+        idle.measure([&] { call(idleBus, requestInterface, methodOf(Request::thermal)); });
+        slow.measure([&] { call(slowBus, requestInterface, methodOf(Request::thermal)); });
     }
     printPair(idle, "idle", slow, "slow");
 }
@@ -134,7 +135,7 @@ void lookForMixedReplies(std::size_t count)
             check(sd_bus_call_method_async(bus, nullptr, service, objectPath(service).c_str(), simulationInterface,
                       "Wake", nullptr, nullptr, nullptr),
                 "Wake");
-        const auto reply = readBusValue(call(bus, requestInterface, thermalMethod).get());
+        const auto reply = readBusValue(call(bus, requestInterface, methodOf(Request::thermal)).get());
         auto values = reply ? temperatures(*reply) : std::set<double>{};
         mixed += values.size() != 1;
         changes += values != previous;

@@ -4,7 +4,7 @@
 #include "fuzz/support/Fuzzer.h"
 #include "fuzz/support/RepliesOfBothKinds.h"
 #include "platform/ProcessLauncher.h"
-#include "service/Replies.h"
+#include "service/ValueSink.h"
 #include "simulated/ManualRunLoop.h"
 #include "simulated/SimulatedPlatform.h"
 

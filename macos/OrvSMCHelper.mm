@@ -3,6 +3,7 @@
 #import "macos/CocoaReplySink.h"
 #include "service/OrvSMCHelperServer.h"
 #include "service/Replies.h"
+#include "service/Request.h"
 
 namespace orv {
 
@@ -12,11 +13,11 @@ namespace {
 constexpr std::size_t thermalMutableLevels = 2;
 constexpr std::size_t bluetoothMutableLevels = 1;
 
-template <typename Write> NSDictionary* builtReply(std::size_t mutableLevels, Write write)
+NSDictionary* builtReply(Request request, std::size_t mutableLevels)
 {
     try {
         CocoaReplySink sink(mutableLevels);
-        write(sink);
+        writeReply(request, OrvSMCHelperServer::shared(), sink, propertyListLimits);
         return sink.take();
     } catch (...) { // an exception would end the process in XPC's code, and a client would wait for ever
         return [NSMutableDictionary dictionary];
@@ -32,19 +33,14 @@ template <typename Write> NSDictionary* builtReply(std::size_t mutableLevels, Wr
 - (void)getModelDatawithReply:(void (^)(NSDictionary*))reply
 {
     @autoreleasepool {
-        reply(orv::builtReply(orv::thermalMutableLevels, [](orv::ReplySink& sink) {
-            orv::writeThermalReply(*orv::OrvSMCHelperServer::shared().smcData.take(), sink);
-        }));
+        reply(orv::builtReply(orv::Request::thermal, orv::thermalMutableLevels));
     }
 }
 
 - (void)getBTDataWithReply:(void (^)(NSDictionary*))reply
 {
     @autoreleasepool {
-        reply(orv::builtReply(orv::bluetoothMutableLevels, [](orv::ReplySink& sink) {
-            const auto levels = orv::OrvSMCHelperServer::shared().btData.take();
-            orv::writeBluetoothReply(*levels, sink, orv::propertyListLimits);
-        }));
+        reply(orv::builtReply(orv::Request::bluetooth, orv::bluetoothMutableLevels));
     }
 }
 

@@ -57,10 +57,12 @@ void send(Request request, NSXPCConnection* connection, const std::shared_ptr<Ma
     const auto takeReply = ^(NSDictionary* reply) { mailbox->offer(received(reply)); };
     const auto takeError = ^(NSError* error) { mailbox->offer(failure(coreText(error.localizedDescription))); };
     id<OrvXPCRequestData> service = [connection remoteObjectProxyWithErrorHandler:takeError];
-    if (request == Request::thermal)
-        [service getModelDatawithReply:takeReply];
-    else
-        [service getBTDataWithReply:takeReply];
+    switch (request) {
+    case Request::thermal:
+        return [service getModelDatawithReply:takeReply];
+    case Request::bluetooth:
+        return [service getBTDataWithReply:takeReply];
+    }
 }
 
 } // namespace

@@ -1,14 +1,14 @@
 #pragma once
 
 #include "readings/Value.h"
+#include "service/Request.h"
 
 #include <optional>
 #include <string>
 
 namespace orv {
 
-enum class Request { thermal, bluetooth };
-
+/// What became of a request.
 struct ServiceAnswer {
     std::optional<Value> reply;
     std::string error; // one line, when there is no reply

@@ -3,6 +3,7 @@
 #include "fuzz/support/Fuzzer.h"
 #include "linux/bus/BusMessageReader.h"
 #include "linux/bus/BusMessageSink.h"
+#include "service/ValueSink.h"
 #include "tests/support/UnansweredBus.h"
 
 namespace orv {

@@ -30,11 +30,10 @@ ServiceAnswer askService(Request request)
         return failure(std::strerror(-result));
     sd_bus_set_method_call_timeout(bus.get(), patience);
     const auto path = objectPath(bundleIdentifier);
-    const char* method = request == Request::thermal ? thermalMethod : bluetoothMethod;
     BusMessage reply;
     sd_bus_error error{};
     const int result = sd_bus_call_method(
-        bus.get(), bundleIdentifier, path.c_str(), requestInterface, method, &error, reply.out(), nullptr);
+        bus.get(), bundleIdentifier, path.c_str(), requestInterface, methodOf(request), &error, reply.out(), nullptr);
     if (result < 0) {
         const auto answer = failure(error.message ? error.message : std::strerror(-result));
         sd_bus_error_free(&error);

@@ -8,8 +8,6 @@ namespace orv {
 
 inline constexpr const char* requestInterface = "org.orv.OrvXPCRequestData";
 inline constexpr const char* simulationInterface = "org.orv.SimulatedMac";
-inline constexpr const char* thermalMethod = "getModelDatawithReply"; // kept: clients call it letter for letter
-inline constexpr const char* bluetoothMethod = "getBTDataWithReply";
 
 /// The object path of a bundle identifier: "/org/orv/SMCHelper" for "org.orv.SMCHelper", "/" for none. A character
 /// that no path may hold becomes an underscore.

@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <cstring>
 #include <future>
+#include <iterator>
 #include <new>
 #include <utility>
 
@@ -70,10 +71,10 @@ int terminationArrived(sd_event_source*, const signalfd_siginfo* information, vo
 
 const sd_bus_vtable BusService::requestMethods[] = {
     SD_BUS_VTABLE_START(0),
-    SD_BUS_METHOD_WITH_ARGS(thermalMethod, SD_BUS_NO_ARGS, SD_BUS_RESULT("a{sa{sv}}", readings), getModelDatawithReply,
-        SD_BUS_VTABLE_UNPRIVILEGED),
-    SD_BUS_METHOD_WITH_ARGS(bluetoothMethod, SD_BUS_NO_ARGS, SD_BUS_RESULT("a{sa{sv}}", levels), getBTDataWithReply,
-        SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD_WITH_ARGS(methodOf(Request::thermal), SD_BUS_NO_ARGS, SD_BUS_RESULT("a{sa{sv}}", readings),
+        answer<Request::thermal>, SD_BUS_VTABLE_UNPRIVILEGED),
+    SD_BUS_METHOD_WITH_ARGS(methodOf(Request::bluetooth), SD_BUS_NO_ARGS, SD_BUS_RESULT("a{sa{sv}}", levels),
+        answer<Request::bluetooth>, SD_BUS_VTABLE_UNPRIVILEGED),
     SD_BUS_VTABLE_END,
 };
 
@@ -176,16 +177,11 @@ void BusService::fail(const std::string& what, int error)
     mainLoop.exit(1);
 }
 
-int BusService::getModelDatawithReply(sd_bus_message* call, void* service, sd_bus_error*)
+template <Request request> int BusService::answer(sd_bus_message* call, void* service, sd_bus_error*)
 {
-    const auto readings = static_cast<BusService*>(service)->server->smcData.take();
-    return reply(call, [&](ReplySink& sink) { writeThermalReply(*readings, sink); });
-}
-
-int BusService::getBTDataWithReply(sd_bus_message* call, void* service, sd_bus_error*)
-{
-    const auto readings = static_cast<BusService*>(service)->server->btData.take();
-    return reply(call, [&](ReplySink& sink) { writeBluetoothReply(*readings, sink, messageBusLimits); });
+    static_assert(std::size(requestMethods) == requests.size() + 2); // between the first row and the last one
+    const auto& server = *static_cast<BusService*>(service)->server;
+    return reply(call, [&](ReplySink& sink) { writeReply(request, server, sink, messageBusLimits); });
 }
 
 int BusService::disconnected(sd_bus_message*, void* service, sd_bus_error*)

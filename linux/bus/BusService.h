@@ -3,6 +3,7 @@
 #include "linux/bus/BusHandles.h"
 #include "linux/bus/SimulationInterface.h"
 #include "linux/loop/EventRunLoop.h"
+#include "service/Request.h"
 
 #include <systemd/sd-bus.h>
 
@@ -41,8 +42,7 @@ private:
     void publish();
     void fail(const std::string& what, int error);
 
-    static int getModelDatawithReply(sd_bus_message* call, void* service, sd_bus_error*);
-    static int getBTDataWithReply(sd_bus_message* call, void* service, sd_bus_error*);
+    template <Request request> static int answer(sd_bus_message* call, void* service, sd_bus_error*);
     static int disconnected(sd_bus_message*, void* service, sd_bus_error*);
     static const sd_bus_vtable requestMethods[];
 

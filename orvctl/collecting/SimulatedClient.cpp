@@ -4,7 +4,7 @@
 #include "bluetooth/OrvBluetoothAppleWatch.h"
 #include "bluetooth/OrvBluetoothSysProfile.h"
 #include "orvctl/collecting/SimulatedProfiler.h"
-#include "service/Replies.h"
+#include "service/ValueSink.h"
 #include "simulated/ManualRunLoop.h"
 #include "simulated/SimulatedPlatform.h"
 #include "smc/SMC.h"
@@ -29,6 +29,19 @@ BluetoothBatteryDictionary collectBluetoothReadings(SimulatedPlatform& simulatio
     return bluetoothReadings(monitor->systemBlueToothDictionary, watch->systemBlueToothDictionary);
 }
 
+void writeCollected(Request request, SimulatedPlatform& simulation, ManualRunLoop& runLoop, ReplySink& sink)
+{
+    switch (request) {
+    case Request::thermal: {
+        SMC smc;
+        const OrvTemperatureFans profile;
+        return writeThermalReply(Orv_SMCHelper::collectThermalReadings(profile, smc, simulation.mac), sink);
+    }
+    case Request::bluetooth:
+        return writeBluetoothReply(collectBluetoothReadings(simulation, runLoop), sink, propertyListLimits);
+    }
+}
+
 } // namespace
 
 ServiceAnswer askSimulatedMac(Request request, const std::string& machinePath)
@@ -41,12 +54,7 @@ ServiceAnswer askSimulatedMac(Request request, const std::string& machinePath)
     const auto profiler = simulatedProfiler(*machine, machinePath);
     SimulatedPlatform simulation(*machine, "", runLoop, *profiler);
     ValueSink sink;
-    if (request == Request::thermal) {
-        SMC smc;
-        writeThermalReply(Orv_SMCHelper::collectThermalReadings(OrvTemperatureFans(), smc, simulation.mac), sink);
-    } else {
-        writeBluetoothReply(collectBluetoothReadings(simulation, runLoop), sink, propertyListLimits);
-    }
+    writeCollected(request, simulation, runLoop, sink);
     return {sink.take(), {}};
 }
 

@@ -2,8 +2,12 @@
 
 #include "bluetooth/OrvBluetoothAppleWatch.h"
 #include "bluetooth/OrvBluetoothSysProfile.h"
+#include "service/Request.h"
+#include "service/ValueSink.h"
 #include "tests/support/TestMac.h"
+#include "tests/support/ThermalReadings.h"
 #include "thermal/OrvTemperatureFans.h"
+#include "json/JSONWriter.h"
 
 #include <gtest/gtest.h>
 
@@ -11,6 +15,7 @@
 #include <thread>
 
 using namespace orv;
+using namespace std::string_view_literals;
 
 namespace {
 
@@ -39,7 +44,7 @@ struct TestServer {
     {
     }
 
-    double degrees() const { return std::get<TemperatureEntry>(server.smcData.take()->at("TC0P")).value; }
+    double degrees() const { return degreesOf(*server.smcData.take(), "TC0P"); }
 
     std::optional<OrvTemperatureFans> profile;
     std::shared_ptr<OrvBluetoothSysProfile> systemProfile;
@@ -95,6 +100,23 @@ TEST(Server, KeepsTheProfilersEntryWholeWhereTheWatchFileHasTheSameKey)
     EXPECT_EQ(levels->size(), 2u);
     EXPECT_EQ(levels->at("aa-bb").find("batteryLevel"), nullptr);
     EXPECT_NE(levels->at("aa-bb").find("batteryLevelLeft"), nullptr);
+}
+
+TEST(Server, IsAskedByTwoRequests)
+{
+    TestMac mac(watchedMac);
+    const TestServer test(mac);
+    mac.runLoop.advance(Seconds(5));
+    const auto reply = [&](Request request) {
+        ValueSink sink;
+        writeReply(request, test.server, sink, propertyListLimits);
+        return writeJSON(sink.take(), KeyOrder::sorted);
+    };
+    EXPECT_EQ(methodOf(Request::thermal), "getModelDatawithReply"sv);
+    EXPECT_EQ(reply(Request::thermal),
+        R"({"TC0P": {"title": "CPU Proximity", "type": "temperature", "unit": "celcius", "value": 41.0}})");
+    EXPECT_EQ(methodOf(Request::bluetooth), "getBTDataWithReply"sv);
+    EXPECT_EQ(reply(Request::bluetooth), R"({"aa-bb": {"batteryLevel": 1}, "watch-1": {"batteryLevel": 80}})");
 }
 
 TEST(Server, ReplacesOldReadingsByNothingWhenTheSMCGoesAway)

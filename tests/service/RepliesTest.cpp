@@ -1,5 +1,6 @@
 #include "service/Replies.h"
 
+#include "service/ValueSink.h"
 #include "json/JSONReader.h"
 #include "json/JSONWriter.h"
 
