@@ -3,19 +3,8 @@
 #include <algorithm>
 #include <functional>
 #include <iterator>
-#include <stdexcept>
 
 namespace orv {
-
-namespace {
-
-// Also for the entries of a dictionary that is not const.
-template <typename Entries> auto placeOf(Entries& entries, std::string_view code)
-{
-    return std::ranges::lower_bound(entries, code, std::less<>(), &ThermalDictionary::Entry::first);
-}
-
-} // namespace
 
 ThermalDictionary::ThermalDictionary(std::initializer_list<Entry> listed)
 {
@@ -29,7 +18,7 @@ void ThermalDictionary::insert_or_assign(std::string code, Reading reading)
         entries.emplace_back(std::move(code), std::move(reading));
         return;
     }
-    const auto place = placeOf(entries, code);
+    const auto place = std::ranges::lower_bound(entries, code, std::less<>(), &Entry::first);
     if (place->first == code)
         place->second = std::move(reading);
     else
@@ -48,20 +37,6 @@ void ThermalDictionary::merge(ThermalDictionary& other)
     both.erase(repeated.begin(), repeated.end());
     entries = std::move(both);
     other.entries.clear();
-}
-
-bool ThermalDictionary::contains(std::string_view code) const
-{
-    const auto place = placeOf(entries, code);
-    return place != entries.end() && place->first == code;
-}
-
-const ThermalDictionary::Reading& ThermalDictionary::at(std::string_view code) const
-{
-    const auto place = placeOf(entries, code);
-    if (place == entries.end() || place->first != code)
-        throw std::out_of_range("no reading of this code");
-    return place->second;
 }
 
 } // namespace orv

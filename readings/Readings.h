@@ -49,10 +49,6 @@ public:
     /// Takes the readings of the codes that this one lacks.
     void merge(ThermalDictionary& other);
 
-    bool contains(std::string_view code) const;
-    /// Throws std::out_of_range for a code that is not there.
-    const Reading& at(std::string_view code) const;
-
     bool empty() const { return entries.empty(); }
     std::size_t size() const { return entries.size(); }
     std::vector<Entry>::const_iterator begin() const { return entries.begin(); }

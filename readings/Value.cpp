@@ -40,6 +40,16 @@ std::vector<Member> firstOfEachKey(std::vector<Member> listed)
     return kept;
 }
 
+std::vector<const Member*> byKey(const std::vector<Member>& members)
+{
+    std::vector<const Member*> sorted;
+    sorted.reserve(members.size());
+    for (const auto& member : members)
+        sorted.push_back(&member);
+    std::ranges::sort(sorted, {}, &Member::key);
+    return sorted;
+}
+
 } // namespace
 
 Dictionary::Dictionary() = default;
@@ -92,7 +102,8 @@ std::vector<Member>::const_iterator Dictionary::end() const
 
 bool Dictionary::operator==(const Dictionary& other) const
 {
-    return members == other.members;
+    const auto sameMember = [](const Member* left, const Member* right) { return *left == *right; };
+    return size() == other.size() && std::ranges::equal(byKey(members), byKey(other.members), sameMember);
 }
 
 } // namespace orv

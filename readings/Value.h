@@ -16,7 +16,8 @@ struct Member;
 
 using Array = std::vector<Value>;
 
-/// A property-list dictionary. Its members keep the order of their source; no key occurs twice.
+/// A property-list dictionary; no key occurs twice. Its members keep the order in which they came, which is that of
+/// their source where the reader gives it: nlohmann's does, Foundation's knows none. Equality does not ask for it.
 class Dictionary {
 public:
     Dictionary();
@@ -40,7 +41,7 @@ public:
     std::vector<Member>::const_iterator begin() const;
     std::vector<Member>::const_iterator end() const;
 
-    bool operator==(const Dictionary&) const;
+    bool operator==(const Dictionary& other) const;
 
 private:
     std::vector<Member> members;

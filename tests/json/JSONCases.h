@@ -132,6 +132,7 @@ inline std::vector<JSONCase> structureCases()
         {"false", R"({"a": false})", objectOf("a", false)},
         {"null", R"({"a": null})", objectOf("a", Value())},
         {"equal keys", R"({"a": 1, "a": 2})", objectOf("a", std::int64_t{1})},
+        {"two keys", R"({"b": 1, "a": 2})", Dictionary({{"a", std::int64_t{2}}, {"b", std::int64_t{1}}})},
         {"nested", R"({"a": [{"b": "c"}]})", objectOf("a", arrayOf(objectOf("b", std::string("c"))))},
         {"trailing comma in an array", "[1,]", std::nullopt, arrayOf(std::int64_t{1})},
         {"trailing comma in an object", R"({"a": 1,})", std::nullopt, objectOf("a", std::int64_t{1})},

@@ -1,6 +1,7 @@
 #include "thermal/Collection.h"
 
 #include "tests/support/TestMac.h"
+#include "tests/support/ThermalReadings.h"
 
 #include <gtest/gtest.h>
 
@@ -46,11 +47,6 @@ std::map<std::string, std::string> titles(const ThermalDictionary& readings)
     return result;
 }
 
-double degrees(const ThermalDictionary& readings, const std::string& code)
-{
-    return std::get<TemperatureEntry>(readings.at(code)).value;
-}
-
 using Titles = std::map<std::string, std::string>;
 
 } // namespace
@@ -60,7 +56,7 @@ TEST(Collection, GivesASharedTitleToTheFirstKeyInByteOrder)
     TestMac mac(intelText(rows({{"TC0p", 56}, {"TC0P", 55}, {"TH0a", 40}, {"TH0A", 9}})));
     const auto readings = collect(mac);
     EXPECT_EQ(titles(readings), (Titles{{"TC0P", "CPU Proximity"}, {"TH0a", "SSD 1 Proximity"}}));
-    EXPECT_EQ(degrees(readings, "TC0P"), 55.0);
+    EXPECT_EQ(degreesOf(readings, "TC0P"), 55.0);
 }
 
 TEST(Collection, LeavesOutWhatIsNotAboveTheThreshold)
@@ -113,7 +109,7 @@ TEST(Collection, StandsInForIdleCoresOnM2)
     const auto readings = collect(mac);
     EXPECT_EQ(titles(readings),
         (Titles{{"Te05", "Core Efficiency 1"}, {"Tp05", "Core Performance 1"}, {"Tp09", "Core Efficiency 2"}}));
-    EXPECT_EQ(degrees(readings, "Tp05"), static_cast<double>(38.2f));
+    EXPECT_EQ(degreesOf(readings, "Tp05"), static_cast<double>(38.2f));
 }
 
 TEST(Collection, SkipsTheTp0KeysOnM4AndStandsInForOthers)
@@ -122,7 +118,7 @@ TEST(Collection, SkipsTheTp0KeysOnM4AndStandsInForOthers)
     const auto readings = collect(mac);
     EXPECT_EQ(titles(readings),
         (Titles{{"Te05", "Core Efficiency 1"}, {"Tp1F", "Core Performance 1"}, {"Tp1J", "Core Performance 2"}}));
-    EXPECT_EQ(degrees(readings, "Tp1F"), 45.0);
+    EXPECT_EQ(degreesOf(readings, "Tp1F"), 45.0);
     EXPECT_EQ(mac.hardware.count("info Tp0"), 0u);
 }
 
@@ -148,7 +144,7 @@ TEST(Collection, PrefersTheHIDReadingOnM1)
     const auto readings = collect(mac);
     EXPECT_EQ(
         titles(readings), (Titles{{"TB0T", "Battery Sensor 0"}, {"TH0B", "SSD 1"}, {"Tp0i", "Core Performance 0"}}));
-    EXPECT_EQ(degrees(readings, "Tp0i"), 41.5);
+    EXPECT_EQ(degreesOf(readings, "Tp0i"), 41.5);
 }
 
 TEST(SocSensorName, FollowsTheFirstRuleThatApplies)
