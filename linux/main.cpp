@@ -16,6 +16,8 @@
 #include <exception>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -23,14 +25,22 @@ using namespace orv;
 
 constexpr const char* bundleIdentifier = ORV_BUNDLE_IDENTIFIER;
 
-// Blocked before any thread starts, so that the bus thread alone receives them.
-void blockTermination()
+// Blocked before any thread starts, so that the bus thread alone receives them. What is ignored stays ignored, such as
+// the closing of the terminal under nohup.
+std::vector<int> blockTerminationSignals()
 {
+    std::vector<int> blocked;
     sigset_t signals;
     sigemptyset(&signals);
-    sigaddset(&signals, SIGTERM);
-    sigaddset(&signals, SIGINT);
+    for (const int signalNumber : {SIGTERM, SIGINT, SIGHUP, SIGQUIT}) {
+        struct sigaction action{};
+        if (sigaction(signalNumber, nullptr, &action) == 0 && action.sa_handler == SIG_IGN)
+            continue;
+        blocked.push_back(signalNumber);
+        sigaddset(&signals, signalNumber);
+    }
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    return blocked;
 }
 
 // Ends the process as the signal would have ended it.
@@ -46,17 +56,12 @@ void dieOf(int signalNumber)
 
 /// The life of the helper, in the order in which a client may rely on it: nothing can be asked before the first
 /// refresh, which the creation of the server performs, has finished.
-int serve(EventRunLoop& runLoop, SpawnLauncher& launcher, const Platform& platform, SimulatedPlatform* simulation)
+int serve(EventRunLoop& runLoop, SpawnLauncher& launcher, const Platform& platform, SimulatedPlatform* simulation,
+    Termination termination)
 {
-    BusService listener(platform.bundle.identifier(), runLoop, simulation);
+    BusService listener(platform.bundle.identifier(), runLoop, simulation, std::move(termination));
     if (!listener.isConnected())
         return 1;
-    if (simulation) {
-        listener.onTermination([simulation](int signalNumber) {
-            simulation->bundle.removeContainer();
-            dieOf(signalNumber);
-        });
-    }
     setSharedPlatform(platform);
     listener.resume(OrvSMCHelperServer::shared());
     const int status = runLoop.run();
@@ -72,11 +77,15 @@ int serveSimulated(const std::string& path)
         std::fprintf(stderr, "orv-smc-helper: %s\n", fault.c_str());
         return 2;
     }
-    blockTermination();
+    auto signals = blockTerminationSignals();
     SpawnLauncher launcher(simulatedProfilerProgram(path));
     EventRunLoop runLoop;
     SimulatedPlatform simulation(*machine, bundleIdentifier, runLoop, launcher);
-    return serve(runLoop, launcher, simulation.platform, &simulation);
+    const auto terminate = [&simulation](int signalNumber) {
+        simulation.bundle.removeContainer();
+        dieOf(signalNumber);
+    };
+    return serve(runLoop, launcher, simulation.platform, &simulation, {std::move(signals), terminate});
 }
 
 int serveHost()
@@ -85,7 +94,7 @@ int serveHost()
     SpawnLauncher launcher(hostProfilerProgram());
     EventRunLoop runLoop;
     HostPlatform host(root ? root : "", bundleIdentifier, runLoop, launcher);
-    return serve(runLoop, launcher, host.platform, nullptr);
+    return serve(runLoop, launcher, host.platform, nullptr, {});
 }
 
 constexpr const char* help =

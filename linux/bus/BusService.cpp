@@ -6,13 +6,12 @@
 #include "linux/loop/ProgramEnd.h"
 #include "service/OrvSMCHelperServer.h"
 
-#include <poll.h>
 #include <signal.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdint>
 #include <cstring>
-#include <future>
 #include <iterator>
 #include <new>
 #include <utility>
@@ -21,22 +20,7 @@ namespace orv {
 
 namespace {
 
-constexpr std::uint64_t mostWaitingMessages = 16; // of the usual size they fit into the socket
-constexpr int longestWait = 100; // milliseconds, in which no signal is noticed
-
-// A bus may pass calls on faster than it takes replies, which would pile up here: until they have gone nothing more is
-// read, and the calls wait at the bus.
-int waitForRoom(sd_bus_message* message, void*, sd_bus_error*)
-{
-    auto* const bus = sd_bus_message_get_bus(message);
-    std::uint64_t waiting = 0;
-    if (sd_bus_get_n_queued_write(bus, &waiting) < 0 || waiting < mostWaitingMessages)
-        return 0;
-    pollfd output{sd_bus_get_fd(bus), POLLOUT, 0};
-    if (poll(&output, 1, longestWait) > 0)
-        sd_bus_flush(bus);
-    return 0;
-}
+constexpr std::chrono::seconds patience{10}; // with the bus itself
 
 // False when memory is short or the message cannot hold the reply.
 template <typename WriteReply> bool isBuilt(sd_bus_message* message, WriteReply writeReply)
@@ -60,10 +44,9 @@ template <typename WriteReply> int reply(sd_bus_message* call, WriteReply writeR
     return sd_bus_reply_method_return(call, "a{sa{sv}}", 0); // what cannot be built is the empty dictionary
 }
 
-int terminationArrived(sd_event_source*, const signalfd_siginfo* information, void* terminate)
+int terminationArrived(sd_event_source*, const signalfd_siginfo* information, void* termination)
 {
-    const auto& callBack = *static_cast<std::function<void(int)>*>(terminate);
-    callBack(static_cast<int>(information->ssi_signo));
+    static_cast<Termination*>(termination)->terminate(static_cast<int>(information->ssi_signo));
     return 0;
 }
 
@@ -78,16 +61,17 @@ const sd_bus_vtable BusService::requestMethods[] = {
     SD_BUS_VTABLE_END,
 };
 
-BusService::BusService(std::string givenIdentifier, EventRunLoop& givenLoop, SimulatedPlatform* simulatedPlatform)
+BusService::BusService(std::string givenIdentifier, EventRunLoop& givenLoop, SimulatedPlatform* simulatedPlatform,
+    Termination givenTermination)
     : bundleIdentifier(std::move(givenIdentifier))
     , mainLoop(givenLoop)
     , simulation(simulatedPlatform)
+    , termination(std::move(givenTermination))
     , simulationContext{simulatedPlatform, &givenLoop, &busLoop}
 {
-    std::promise<bool> connection;
-    thread =
-        std::thread([this, &connection] { runThread([&](bool isConnected) { connection.set_value(isConnected); }); });
-    connected = connection.get_future().get();
+    auto attempt = connection.get_future();
+    thread = std::thread([this] { runThread(); });
+    connected = attempt.get();
 }
 
 BusService::~BusService()
@@ -98,53 +82,58 @@ BusService::~BusService()
 
 void BusService::resume(const OrvSMCHelperServer& helperServer)
 {
-    std::promise<void> attempt;
-    busLoop.post([this, &helperServer, &attempt] {
+    busLoop.post([this, &helperServer] {
         server = &helperServer;
         publish();
-        attempt.set_value();
-    });
-    attempt.get_future().wait();
-}
-
-void BusService::onTermination(std::function<void(int signal)> callBack)
-{
-    busLoop.post([this, callBack = std::move(callBack)] {
-        terminate = callBack;
-        for (const int signal : {SIGTERM, SIGINT}) {
-            const int result = sd_event_add_signal(busLoop.event(), nullptr, signal, terminationArrived, &terminate);
-            if (result < 0)
-                fail("cannot wait for signals", result);
-        }
     });
 }
 
-void BusService::runThread(const std::function<void(bool isConnected)>& onConnected)
+void BusService::runThread()
 {
-    const int result = connect();
-    if (result < 0)
-        fail("no session bus", result);
-    onConnected(result >= 0);
-    if (result >= 0)
-        busLoop.run();
+    connecting = busLoop.scheduleRepeating(patience, [this] { lose(-ETIMEDOUT); });
+    serveSignals();
+    if (const int result = connect(); result < 0)
+        lose(result);
+    busLoop.run();
+    busSource.detach();
     bus.reset();
 }
 
+void BusService::serveSignals()
+{
+    for (const int signal : termination.signals) {
+        const int result = sd_event_add_signal(busLoop.event(), nullptr, signal, terminationArrived, &termination);
+        if (result < 0)
+            fail("cannot wait for signals", result);
+    }
+}
+
+// Nothing here waits for the bus, whatever state that is in.
 int BusService::connect()
 {
     if (const int result = sd_bus_open_user(bus.out()); result < 0)
         return result;
-    // Waits for the bus to accept the connection: a bus gives up on one that stays silent during a slow first refresh.
-    const char* uniqueName = nullptr;
-    if (const int result = sd_bus_get_unique_name(bus.get(), &uniqueName); result < 0)
+    const auto microseconds = std::chrono::microseconds(patience).count();
+    if (const int result = sd_bus_set_method_call_timeout(bus.get(), static_cast<std::uint64_t>(microseconds));
+        result < 0)
         return result;
     if (const int result = sd_bus_match_signal(bus.get(), nullptr, "org.freedesktop.DBus.Local",
             "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected", disconnected, this);
         result < 0)
         return result;
-    if (const int result = sd_bus_add_filter(bus.get(), nullptr, waitForRoom, nullptr); result < 0)
-        return result;
-    return sd_bus_attach_event(bus.get(), busLoop.event(), SD_EVENT_PRIORITY_NORMAL);
+    return busSource.attach(bus.get(), busLoop.event(), [this](int result) { endStep(result); });
+}
+
+// The first refresh, which may be slow, begins only when the bus has accepted the connection: a bus gives up on one
+// that stays silent meanwhile.
+void BusService::endStep(int result)
+{
+    if (result < 0)
+        return lose(result);
+    if (!connecting || sd_bus_is_ready(bus.get()) <= 0)
+        return;
+    connecting.reset();
+    connection.set_value(true);
 }
 
 void BusService::publish()
@@ -159,11 +148,17 @@ void BusService::publish()
         return fail("cannot publish " + path, result);
     if (bundleIdentifier.empty())
         return;
-    result = sd_bus_request_name(bus.get(), bundleIdentifier.c_str(), 0);
-    if (result == -EEXIST)
-        return fail("the name " + bundleIdentifier + " is already taken on the session bus", 0);
+    result = sd_bus_request_name_async(bus.get(), nullptr, bundleIdentifier.c_str(), 0, nameAnswered, this);
     if (result < 0)
         fail("cannot claim the name " + bundleIdentifier, result);
+}
+
+void BusService::lose(int error)
+{
+    if (connecting)
+        fail("no session bus", error);
+    else
+        fail("the session bus went away", 0);
 }
 
 void BusService::fail(const std::string& what, int error)
@@ -175,6 +170,10 @@ void BusService::fail(const std::string& what, int error)
     if (error == -ENOMEM)
         endAtOnce(); // the bus library stops at what such a failure leaves behind
     mainLoop.exit(1);
+    if (!connecting)
+        return;
+    connecting.reset();
+    connection.set_value(false);
 }
 
 template <Request request> int BusService::answer(sd_bus_message* call, void* service, sd_bus_error*)
@@ -184,9 +183,21 @@ template <Request request> int BusService::answer(sd_bus_message* call, void* se
     return reply(call, [&](ReplySink& sink) { writeReply(request, server, sink, messageBusLimits); });
 }
 
+int BusService::nameAnswered(sd_bus_message* reply, void* service, sd_bus_error*)
+{
+    constexpr std::uint32_t primaryOwner = 1; // DBUS_REQUEST_NAME_REPLY_PRIMARY_OWNER
+    auto& self = *static_cast<BusService*>(service);
+    std::uint32_t outcome = 0;
+    if (sd_bus_message_is_method_error(reply, nullptr) > 0)
+        self.fail("cannot claim the name " + self.bundleIdentifier, -sd_bus_message_get_errno(reply));
+    else if (sd_bus_message_read(reply, "u", &outcome) < 0 || outcome != primaryOwner)
+        self.fail("the name " + self.bundleIdentifier + " is already taken on the session bus", 0);
+    return 0;
+}
+
 int BusService::disconnected(sd_bus_message*, void* service, sd_bus_error*)
 {
-    static_cast<BusService*>(service)->fail("the session bus went away", 0);
+    static_cast<BusService*>(service)->lose(-ECONNRESET);
     return 0;
 }
 

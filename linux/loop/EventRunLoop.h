@@ -2,6 +2,7 @@
 
 #include "base/FileDescriptor.h"
 #include "base/TimerQueue.h"
+#include "linux/loop/EventHandles.h"
 #include "platform/RunLoop.h"
 
 #include <systemd/sd-event.h>
@@ -39,17 +40,6 @@ public:
     sd_event* event() const { return loop.get(); }
 
 private:
-    struct EventTraits {
-        using Handle = sd_event*;
-        static constexpr Handle none = nullptr;
-        static void release(Handle handle) { sd_event_unref(handle); }
-    };
-    struct SourceTraits {
-        using Handle = sd_event_source*;
-        static constexpr Handle none = nullptr;
-        static void release(Handle handle) { sd_event_source_disable_unref(handle); }
-    };
-
     class LoopTimer;
 
     static int timeReached(sd_event_source*, std::uint64_t, void* loop) noexcept;
@@ -58,10 +48,10 @@ private:
     void endBackgroundWork();
     void armTimeSource();
 
-    Owned<EventTraits> loop;
+    Event loop;
     FileDescriptor wakeUp; // an eventfd
-    Owned<SourceTraits> timeSource;
-    Owned<SourceTraits> postSource;
+    EventSource timeSource;
+    EventSource postSource;
     TimerQueue timers;
 
     std::mutex mutex;

@@ -22,6 +22,10 @@ PATH = "/" + NAME.replace(".", "/")
 REQUESTS = "org.orv.OrvXPCRequestData"
 SIMULATION = "org.orv.SimulatedMac"
 PATIENCE = 60  # seconds: for a sanitized build on a busy machine
+BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig><type>session</type><listen>unix:dir={folder}</listen><auth>EXTERNAL</auth><policy context="default">
+<allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/></policy>{limits}</busconfig>"""
 
 
 def mac(**members):
@@ -79,9 +83,21 @@ class ProcessTest(unittest.TestCase):
         self.temporary.mkdir()
         self.environment = {**os.environ, "TMPDIR": str(self.temporary), "LC_ALL": "C.UTF-8"}
         self.environment.pop("NO_COLOR", None)
-        self.bus = self.start("dbus-daemon", "--session", "--nofork", "--print-address",
+        self.start_session_bus("--session")
+
+    def start_session_bus(self, configuration):
+        """From here on programs find this one."""
+        self.bus = self.start("dbus-daemon", configuration, "--nofork", "--print-address",
                               stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = self.bus.stdout.readline().strip()
+
+    def start_limited_bus(self, **limits):
+        """A bus with other limits than the session's, which are next to none."""
+        limits = {"max_message_size": 10**9, "max_outgoing_bytes": 10**9, "max_replies_per_connection": 50_000, **limits}
+        lines = (f'<limit name="{name}">{number}</limit>' for name, number in limits.items())
+        configuration = self.folder / "bus.conf"
+        configuration.write_text(BUS_CONFIGURATION.format(folder=self.folder, limits="".join(lines)))
+        self.start_session_bus(f"--config-file={configuration}")
 
     def tearDown(self):
         # Also where a sanitizer's complaint shows.
@@ -146,6 +162,10 @@ class ProcessTest(unittest.TestCase):
 
     def complaints(self):
         return (self.folder / "stderr").read_text(encoding="utf-8")
+
+    def processor_seconds(self):
+        fields = pathlib.Path(f"/proc/{self.helper.pid}/stat").read_text().rpartition(")")[2].split()
+        return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
 
     def helper_rests(self):
         tasks = pathlib.Path(f"/proc/{self.helper.pid}/task").glob("*/stat")

@@ -4,10 +4,12 @@ import json
 import os
 import pathlib
 import signal
+import socket
 import subprocess
+import time
 import unittest
 
-from support import BIN, HELPER, NAME, REQUESTS, SIMULATION, ProcessTest, mac
+from support import BIN, HELPER, NAME, PATIENCE, REQUESTS, SIMULATION, ProcessTest, mac
 
 UNNAMED = pathlib.Path(os.environ["ORV_UNNAMED"])
 WATCH = {"watch-1": {"batteryLevel": 80}}
@@ -95,7 +97,7 @@ class FaultTest(ProcessTest):
         self.assertEqual(complaints, "orv: fatal error: a fan speed is out of range\n")
 
     def test_container_goes_with_the_process(self):
-        for how in signal.SIGTERM, signal.SIGINT:
+        for how in signal.SIGTERM, signal.SIGINT, signal.SIGHUP, signal.SIGQUIT:
             with self.subTest(how=how):
                 self.start_helper(mac(watch=WATCH))
                 self.assertEqual(len(self.container()), 1)
@@ -107,6 +109,32 @@ class FaultTest(ProcessTest):
         self.until(self.connection)
         self.assertEqual(self.end_helper(signal.SIGTERM), (-signal.SIGTERM, ""))
         self.assertEqual(self.container(), [])
+
+    def test_signal_that_was_ignored_at_the_start_stays_ignored(self):
+        machine = self.machine_file(mac(watch=WATCH))
+        self.launch_helper("nohup", HELPER, "--simulate", machine)
+        self.until(lambda: self.connection() and self.container())
+        self.helper.send_signal(signal.SIGHUP)
+        self.assertEqual(self.temperatures()["TC0P"], 40.0)
+
+    def test_bus_that_accepts_and_stays_silent_keeps_nobody_waiting(self):
+        listener = socket.socket(socket.AF_UNIX)
+        self.addCleanup(listener.close)
+        listener.bind(f"{self.folder}/silent")
+        listener.listen()
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = f"unix:path={self.folder}/silent"
+        simulation = ("--simulate", self.machine_file(mac()))
+        commands = (HELPER,), (HELPER, *simulation)
+        started = time.monotonic()
+        waiting = [self.start(*command, stderr=subprocess.PIPE) for command in commands]
+        self.launch_helper(HELPER, *simulation)
+        self.until(self.helper_rests)
+        self.assertEqual(self.end_helper(signal.SIGINT), (-signal.SIGINT, ""))
+        self.assertLess(time.monotonic() - started, 8)
+        for process in waiting:
+            self.assertRegex(process.communicate(timeout=PATIENCE)[1], r"\A[^\n]+\n\Z")
+            self.assertEqual(process.returncode, 1)
+        self.assertLess(time.monotonic() - started, 15)
 
     # The helper without a bundle identifier is found by its process.
     def connection(self):

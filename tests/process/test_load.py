@@ -5,6 +5,7 @@ import json
 import os
 import select
 import signal
+import time
 import unittest
 
 from support import MACHINES, NAME, PATIENCE, REQUESTS, SIMULATION, ProcessTest, device, mac, report
@@ -57,7 +58,6 @@ PASSED_OVER = (
 DISCONNECTED = message(SIGNAL, destination=NAME, path="/org/freedesktop/DBus/Local",
                        interface="org.freedesktop.DBus.Local", member="Disconnected")
 
-
 class LoadTest(ProcessTest):
     def setUp(self):
         super().setUp()
@@ -97,6 +97,27 @@ class LoadTest(ProcessTest):
             self.bus.send_signal(signal.SIGCONT)
             if how == signal.SIGCONT:
                 self.assertEqual(len({reply.body for reply in client.replies(asked)}), 1)
+
+    def test_bus_that_takes_part_of_a_large_reply_and_stops_is_waited_for_at_rest(self):
+        """It takes no more from the helper while this much of its replies waits for clients."""
+        self.start_limited_bus(max_incoming_bytes=3_000_000)
+        self.start_helper(mac(watch={"watch-1": {f"{number:05}": number for number in range(50_000)}}))
+        client, other = self.client(receive_buffer=4096), self.client()
+        self.until(lambda: self.wake() or len(other.ask(BLUETOOTH)[0].body) > 1_000_000)
+        size, before = len(other.ask(BLUETOOTH)[0].body), self.memory()
+        asked = client.send(*[BLUETOOTH] * 60)
+        for read in range(0, 15, 5):
+            client.replies(asked[:read][-5:])  # makes room for the next ones, part by part
+            self.until(self.helper_rests)
+            used = self.processor_seconds()
+            time.sleep(0.5)
+            self.assertLess(self.processor_seconds() - used, 0.2)
+            self.assertLess(self.memory("VmHWM") - before, 8 * size)
+        client.close()
+        self.assertIsNone(other.ask(THERMAL)[0].error)
+        asked = other.send(*[BLUETOOTH] * 60)
+        time.sleep(0.5)
+        self.assertEqual(self.end_helper(signal.SIGTERM), (-signal.SIGTERM, ""))
 
     def test_two_hundred_clients_are_answered(self):
         self.start_helper(mac(bluetooth=report(70)))
