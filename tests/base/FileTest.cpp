@@ -59,6 +59,8 @@ TEST_F(Files, OfTheKernelArriveInSeveralReads)
         last = start;
     }
     EXPECT_NE(maps->find("[stack]"), std::string::npos);
+    EXPECT_EQ(readFile("/proc/self/maps", 4096), std::nullopt);
+    EXPECT_EQ(errno, EFBIG);
 }
 
 TEST_F(Files, HaveAFirstLine)

@@ -60,6 +60,23 @@ TEST_F(Timers, CountADelayFromTheDeadlineOfWhatRunsOnTime)
     queue.scheduleOnce(6s, 1s, [&] { queue.scheduleOnce(9s, 5s, note("late")); });
     queue.runDue(9s);
     EXPECT_EQ(queue.nextDeadline(), 14s);
+    queue.runDue(14s);
+    for (const auto late : {50ms, 51ms}) {
+        queue.scheduleOnce(20s, 1s, [&, late] { queue.scheduleOnce(21s + late, 5s, note("")); });
+        queue.runDue(21s + late);
+        EXPECT_EQ(queue.nextDeadline(), late == TimerQueue::tolerance ? 26s : 26s + late);
+        queue.runDue(30s);
+    }
+}
+
+TEST_F(Timers, RunAPastThingAtOnce)
+{
+    queue.scheduleOnce(5s, -3s, note("p"));
+    EXPECT_EQ(queue.nextDeadline(), 5s);
+    queue.runDue(4s);
+    EXPECT_EQ(log, "");
+    queue.runDue(5s);
+    EXPECT_EQ(log, "p");
 }
 
 TEST_F(Timers, MayEndThemselvesAndScheduleMore)
@@ -74,4 +91,10 @@ TEST_F(Timers, MayEndThemselvesAndScheduleMore)
     queue.runDue(9s);
     EXPECT_EQ(log, "xy");
     EXPECT_EQ(queue.nextWakeUp(), std::nullopt);
+}
+
+TEST(TimersDeathTest, StopAtAnIntervalThatIsNone)
+{
+    TimerQueue queue;
+    EXPECT_DEATH((void)queue.scheduleRepeating(0s, 0s, [] { }), "a repeating timer needs a positive interval");
 }

@@ -79,8 +79,8 @@ TEST(BluetoothReport, IsEmptyWhenTheWalkCannotBeMade)
 
 TEST(BluetoothReport, LowersAsciiLettersOnly)
 {
-    const auto result = parse(R"({"A": {"device_address": "ÄB:İ", "device_batteryLevel": "7"}})");
-    EXPECT_TRUE(result.contains("Äb-İ"));
+    const auto result = parse(R"({"A": {"device_address": "ÄAZ@[`{09:İ", "device_batteryLevel": "7"}})");
+    EXPECT_TRUE(result.contains("Äaz@[`{09-İ"));
 }
 
 TEST(IntegerValue, ReadsTheNumberAtTheStart)
@@ -90,16 +90,10 @@ TEST(IntegerValue, ReadsTheNumberAtTheStart)
         std::int64_t number;
     };
     const Case cases[]{{"85%", 85}, {"100 %", 100}, {"100\u00A0%", 100}, {"%85", 0}, {"", 0}, {"+7", 7}, {"-7", -7},
-        {"+-7", 0}, {"-+7", 0}, {"--7", 0}, {"- 7", 0}, {" \t\r\n\v\f12x3", 12},
-        {"\u00A0\u2000\u200B\u3000"
-         "5",
-            5},
-        {"\u2028"
-         "5",
-            0},
-        {"\u0665", 0}, {"007", 7}, {"9223372036854775807", INT64_MAX}, {"9223372036854775808", INT64_MAX},
-        {"-9223372036854775808", INT64_MIN}, {"-99999999999999999999999", INT64_MIN},
-        {"+99999999999999999999999%", INT64_MAX},
+        {"+-7", 0}, {"-+7", 0}, {"--7", 0}, {"- 7", 0}, {" \t\r\n\v\f12x3", 12}, {"\u00A0\u2000\u200B\u30005", 5},
+        {"\u20285", 0}, {"\0105", 0}, {"\0165", 0}, {"\u1FFF5", 0}, {"\u200C5", 0}, {"\u0665", 0}, {"007", 7},
+        {"9223372036854775807", INT64_MAX}, {"9223372036854775808", INT64_MAX}, {"-9223372036854775808", INT64_MIN},
+        {"-99999999999999999999999", INT64_MIN}, {"+99999999999999999999999%", INT64_MAX},
         {"\xFF"
          "5",
             0}};

@@ -25,6 +25,12 @@ TEST(Fans, AreReportedByTheirActualSpeedKeys)
     EXPECT_EQ(mac.hardware.count("info F2"), 0u);
 }
 
+TEST(Fans, AreCalledByTheirSideOrNumber)
+{
+    EXPECT_EQ(Orv_SMCHelper::fanTitle(1), "Right Side");
+    EXPECT_EQ(Orv_SMCHelper::fanTitle(2), "Fan 2");
+}
+
 TEST(Fans, AreNotAskedForWithoutKeys)
 {
     TestMac mac(intelText(R"({"key": "F0Ac", "type": "fpe2", "bytes": "1f3e"})"));

@@ -11,10 +11,15 @@ TEST(FourCharCode, PutsTheFirstCharacterInTheMostSignificantByte)
 {
     EXPECT_EQ(fourCharCode("TC0P"), 0x54433050u);
     EXPECT_EQ(fourCharCode("#KEY"), 0x234B4559u);
+    EXPECT_EQ(fourCharCode("TC10C"), 0x4331'3043u);
+    EXPECT_EQ(fourCharCode("\xFF"), 0xFFu);
     EXPECT_EQ(fourCharString(0x73703738), "sp78");
     EXPECT_EQ(fourCharString(0x666C7420), "flt ");
     EXPECT_EQ(fourCharString(0x75693800), std::string("ui8\0", 4));
     EXPECT_EQ(fourCharString(0x41FF42E9), "A\u00FF\u0042\u00E9");
+    EXPECT_EQ(fourCharString(0x7F80C0BF), "\x7F\u0080\u00C0\u00BF");
+    for (const int shift : {0, 8, 16, 24})
+        EXPECT_EQ(fourCharString(0x41414141 ^ 0xC1u << shift).size(), 5u) << shift;
 }
 
 TEST(SMC, AsksForInfoAndBytesAndNothingElse)
@@ -39,6 +44,23 @@ TEST(SMC, ListsEachKeyOnceAndTheIndexPastTheLast)
     EXPECT_EQ(mac.hardware.exchanges.size(), 7u);
     mac.smc.getAllKeys();
     EXPECT_EQ(mac.hardware.exchanges.size(), 7u);
+}
+
+TEST(SMC, WalksOnPastAnIndexThatFails)
+{
+    TestMac mac(intelText(R"({"key": "TB0T"}, {"key": "F0Ac"}, {"key": "TA0P"})"));
+    mac.hardware.failingIndex = 0;
+    mac.smc.open();
+    EXPECT_EQ(mac.smc.getAllKeys(), (std::vector<std::string>{"F0Ac", "TA0P"}));
+    EXPECT_EQ(mac.hardware.count("index"), 4u);
+}
+
+TEST(SMC, AsksForOneIndexWhereThereAreNoKeys)
+{
+    TestMac mac(intelText(R"({"key": "TB0T"}, {"key": "#KEY", "type": "ui32", "bytes": "00000000"}, {"key": "TA0P"})"));
+    mac.smc.open();
+    EXPECT_EQ(mac.smc.getAllKeys(), (std::vector<std::string>{"TB0T"}));
+    EXPECT_EQ(mac.hardware.count("index"), 1u);
 }
 
 TEST(SMC, KeepsAnEmptyKeyListForGood)
@@ -87,14 +109,16 @@ TEST(SMC, AnswersAbsentForEachKindOfFailure)
     EXPECT_EQ(mac.hardware.count("bytes TBBB"), 0u);
 }
 
-TEST(SMC, TakesNoMoreThan32BytesWhateverSizeIsReported)
+TEST(SMC, TakesAsManyBytesAsAreReportedAndNoMoreThan32)
 {
-    TestMac mac(intelText(R"({"key": "TAAA", "type": "ui32", "bytes": "0000029a", "size": 4294967295})"));
+    TestMac mac(intelText(R"({"key": "TAAA", "type": "ui32", "bytes": "0000029a", "size": 4294967295},
+        {"key": "TBBB", "type": "ui16", "bytes": "2f80", "size": 1})"));
     mac.smc.open();
     SMCVal val{.key = "TAAA"};
     EXPECT_EQ(mac.smc.read(val), KERN_SUCCESS);
     EXPECT_EQ(val.dataSize, 4294967295u);
     EXPECT_EQ(mac.smc.getValue("TAAA"), 666.0);
+    EXPECT_EQ(mac.smc.getValue("TBBB"), 0x2f00);
 }
 
 using SMCDeathTest = testing::Test;
@@ -106,6 +130,9 @@ TEST(SMCDeathTest, StopsAtABrokenPrecondition)
     EXPECT_DEATH(mac.smc.getValue("TC0"), "^orv: fatal error: an SMC key has four characters\n$");
     EXPECT_DEATH(mac.smc.getValue("TC10C"), "four characters");
     EXPECT_DEATH(mac.smc.getAllKeys(), "not a count");
+    TestMac many(intelText(R"({"key": "#KEY", "type": "flt ", "bytes": "0000804f"})")); // 2^32
+    many.smc.open();
+    EXPECT_DEATH(many.smc.getAllKeys(), "key index does not fit in 32 bits");
     for (const auto* count : {"0000807f", "000080bf", "0000805f"}) { // infinite, -1, 2^64
         TestMac other(intelText(R"({"key": "#KEY", "type": "flt ", "bytes": ")" + std::string(count) + "\"}"));
         other.smc.open();

@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <initializer_list>
+#include <optional>
 
 using namespace orv;
 
@@ -27,11 +30,8 @@ TEST(DecodeValue, ReadsEachFormOfNumber)
     const Case cases[]{
         {value("sp78", 2, {0x2F, 0x80}), 47.5},
         {value("sp78", 2, {0x7F, 0xFF}), 127.99609375},
-        {value("sp1e", 2, {0x40, 0x00}), 1.0},
-        {value("spb4", 2, {0x01, 0x08}), 16.5},
         {value("spf0", 2, {0xFF, 0xFF}), 65535},
         {value("fp1f", 2, {0xFF, 0xFF}), 65535.0 / 32768},
-        {value("fpe2", 2, {0x1F, 0x40}), 2000},
         {value("fp88", 2, {0x80, 0x01}), 128.00390625},
         {value("flt ", 4, {0x00, 0x00, 0xC8, 0x42}), 100},
         {value("flt ", 4, {0x00, 0x00, 0xC8, 0xC2}), -100},
@@ -57,12 +57,33 @@ TEST(DecodeValue, GivesNothingForANegativeFixedPointNumber)
     EXPECT_EQ(decodeValue(value("sp78", 2, {0x80, 0x00})), std::nullopt);
 }
 
-TEST(DecodeValue, GivesNothingForASizeThatDoesNotFit)
+TEST(DecodeValue, WantsTheSizeOfEachType)
 {
-    EXPECT_EQ(decodeValue(value("ui8 ", 0, {1})), std::nullopt);
-    EXPECT_EQ(decodeValue(value("flt ", 2, {0, 0, 0xC8, 0x42})), std::nullopt);
-    EXPECT_EQ(decodeValue(value("fpe2", 4, {0x1F, 0x40})), std::nullopt);
-    EXPECT_EQ(decodeValue(value("sp78", 1, {0x2F})), std::nullopt);
+    constexpr std::uint32_t any = 0;
+    const double flt = static_cast<double>(std::bit_cast<float>(0x42563412u));
+    struct Row {
+        const char* type;
+        std::uint32_t size;
+        std::optional<double> number; // of the bytes 12 34 56 42
+    };
+    const std::array<Row, 31> rows{{{"flt ", 4, flt}, {"fp1f", 2, 4660.0 / 32768}, {"fp4c", 2, 4660.0 / 4096},
+        {"fp5b", 2, 4660.0 / 2048}, {"fp6a", 2, 4660.0 / 1024}, {"fp79", 2, 4660.0 / 512}, {"fp88", 2, 4660.0 / 256},
+        {"fpa6", 2, 4660.0 / 64}, {"fpc4", 2, 4660.0 / 16}, {"fpe2", 2, 4660.0 / 4}, {"sp1e", 2, 4660.0 / 16384},
+        {"sp3c", 2, 4660.0 / 4096}, {"sp4b", 2, 4660.0 / 2048}, {"sp5a", 2, 4660.0 / 1024}, {"sp69", 2, 4660.0 / 512},
+        {"sp78", 2, 4660.0 / 256}, {"sp87", 2, 4660.0 / 128}, {"sp96", 2, 4660.0 / 64}, {"spb4", 2, 4660.0 / 16},
+        {"spf0", 2, 4660.0}, {"ui8 ", any, 18.0}, {"ui16", any, 4660.0}, {"ui32", any, 305419842.0}, {"si8 ", any, {}},
+        {"si16", any, {}}, {"{pwm", any, {}}, {"{lso", any, {}}, {"{ala", any, {}}, {"flag", any, {}},
+        {"{fds", any, {}}, {"ch8*", any, {}}}};
+    ASSERT_EQ(rows.size(), smcValueFormats.size());
+    for (std::size_t index = 0; index < rows.size(); ++index) {
+        const auto& [type, size, number] = rows[index];
+        EXPECT_EQ(smcValueFormats[index].code, type);
+        for (const std::uint32_t reported : {0u, 1u, 2u, 3u, 4u, 5u, 32u}) {
+            const bool fits = reported != 0 && (size == any || reported == size);
+            EXPECT_EQ(decodeValue(value(type, reported, {0x12, 0x34, 0x56, 0x42})), fits ? number : std::nullopt)
+                << type << " of " << reported << " bytes";
+        }
+    }
 }
 
 TEST(DecodeValue, GivesNothingForATypeThatHoldsNoNumber)

@@ -38,6 +38,8 @@ SMCOutcome RecordingHardware::readBytes(std::uint32_t key, Bytes& bytes)
 SMCOutcome RecordingHardware::keyAtIndex(std::uint32_t index, std::uint32_t& key)
 {
     exchanges.push_back("index " + std::to_string(index));
+    if (index == failingIndex)
+        return SMCOutcome::failed();
     return behind.keyAtIndex(index, key);
 }
 

@@ -27,6 +27,7 @@ public:
 
     bool isPresent = true;
     std::string keyWithFailingBytes;
+    std::optional<std::uint32_t> failingIndex;
     std::vector<std::string> exchanges; // "info TC0P", "bytes TC0P", "index 3"
 
     std::size_t count(const std::string& beginning) const;

@@ -96,6 +96,25 @@ TEST(Collection, NeverReadsMoreCoresThanTheMachineHas)
     EXPECT_EQ(mac.hardware.count("info Tp09"), 0u);
 }
 
+TEST(Collection, CountsEachKindOfCoreByItself)
+{
+    TestMac mac(appleText("Apple M3", {{"Te05", 40}, {"Te0H", 41}, {"Tp01", 50}, {"Tp05", 51}, {"Tp0D", 52}}));
+    OrvTemperatureFans profile;
+    profile.numberOfEfficiencyCores = 1;
+    profile.numberOfPerformanceCores = 2;
+    EXPECT_EQ(titles(collectThermalReadings(profile, mac.smc, mac.simulation.mac)),
+        (Titles{{"Te05", "Core Efficiency 1"}, {"Tp01", "Core Performance 1"}, {"Tp05", "Core Performance 2"}}));
+    EXPECT_EQ(mac.hardware.count("info Te0H") + mac.hardware.count("info Tp0D"), 0u);
+}
+
+TEST(Collection, ReadsAKeyThatIsListedTwiceOnce)
+{
+    TestMac mac(appleText("Apple M3", {{"Te05", 40}, {"Te0H", 41}}));
+    mac.smc.keysList = {"Te0H", "Te05", "Te05"};
+    EXPECT_EQ(titles(collect(mac)), (Titles{{"Te05", "Core Efficiency 1"}, {"Te0H", "Core Efficiency 2"}}));
+    EXPECT_EQ(mac.hardware.count("info"), 2u);
+}
+
 TEST(Collection, LeavesAGapWhereACoreCannotBeRead)
 {
     TestMac mac(appleText("Apple M1 Pro", {{"Tp01", 0}, {"Tp05", 50}, {"TB0T", 30}, {"Ts01", 35}}));
@@ -110,6 +129,14 @@ TEST(Collection, StandsInForIdleCoresOnM2)
     EXPECT_EQ(titles(readings),
         (Titles{{"Te05", "Core Efficiency 1"}, {"Tp05", "Core Performance 1"}, {"Tp09", "Core Efficiency 2"}}));
     EXPECT_EQ(degreesOf(readings, "Tp05"), static_cast<double>(38.2f));
+}
+
+TEST(Collection, HasAStandInOnlyAboveZero)
+{
+    TestMac cool(appleText("Apple M2", {{"Te05", 0.5f}, {"Tp05", 0}}));
+    EXPECT_EQ(degreesOf(collect(cool), "Tp05"), 0.5); // which would not count by itself
+    TestMac cold(appleText("Apple M2", {{"Te05", 0}, {"Tp05", 0}}));
+    EXPECT_TRUE(collect(cold).empty());
 }
 
 TEST(Collection, SkipsTheTp0KeysOnM4AndStandsInForOthers)

@@ -81,5 +81,9 @@ TEST(HIDSensorsDeathTest, StopWithoutAClient)
     RecordingHIDs hids({});
     hids.hasClient = false;
     EXPECT_DEATH(ZpM1IOHIDSensors::readHIDTemperatures(hids), "no client of the HID event system");
-    EXPECT_DEATH(ZpM1IOHIDSensors::hidReadings(hids, 0xff00, 5, 1LL << 40), "does not fit in 32 bits");
+    hids.hasClient = true;
+    for (const std::int64_t type : {-32768, 32767}) // whose field is the smallest and the largest
+        EXPECT_TRUE(ZpM1IOHIDSensors::hidReadings(hids, 0xff00, 5, type).empty());
+    for (const std::int64_t type : {-32769LL, 32768LL, 1LL << 40})
+        EXPECT_DEATH(ZpM1IOHIDSensors::hidReadings(hids, 0xff00, 5, type), "does not fit in 32 bits") << type;
 }
