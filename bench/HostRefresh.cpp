@@ -207,6 +207,7 @@ public:
     }
 
     FileDescriptor open(const std::string& path, Access access) override { return driver.open(path, access); }
+    bool exists(const std::string& path) override { return driver.exists(path); }
     ssize_t read(int descriptor, std::span<char> bytes) override
     {
         benchmark::DoNotOptimize(pread(scratch.get(), bytes.data(), bytes.size(), 0));

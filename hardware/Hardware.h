@@ -13,6 +13,7 @@ struct SMCOutcome {
     std::uint8_t result = 0; // the SMC's result byte
 
     static constexpr SMCOutcome failed() { return {.status = static_cast<int>(0xe00002bc)}; } // kIOReturnError
+    static constexpr SMCOutcome noDevice() { return {.status = static_cast<int>(0xe00002c0)}; } // kIOReturnNoDevice
     static constexpr SMCOutcome unknownKey() { return {.result = 0x84}; }
 };
 
@@ -22,7 +23,7 @@ class Hardware {
 public:
     virtual ~Hardware() = default;
 
-    /// Whether there is an SMC to open.
+    /// Whether there is an SMC to open; asked at the beginning of every refresh.
     virtual bool hasSMC() = 0;
 
     struct KeyInfo {

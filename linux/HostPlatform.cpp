@@ -3,6 +3,7 @@
 #include "linux/ProgramPaths.h"
 #include "linux/SpawnLauncher.h"
 #include "linux/loop/EventRunLoop.h"
+#include "smc/SMC.h"
 
 namespace orv {
 
@@ -14,7 +15,7 @@ constexpr Seconds tickInterval{5.0};
 
 HostPlatform::HostPlatform(
     const std::string& root, const std::string& identifier, EventRunLoop& runLoop, SpawnLauncher& launcher)
-    : hardware(root, attributes)
+    : hardware(root, attributes, [] { sharedSMC().forgetKeys(); })
     , systemBus(runLoop.event())
     , workspace(runLoop, launcher, systemBus)
     , bluetoothEvents(systemBus)

@@ -4,6 +4,7 @@
 #include "linux/bus/BusService.h"
 #include "linux/loop/EventRunLoop.h"
 #include "linux/loop/ProgramEnd.h"
+#include "linux/loop/ThreadStacks.h"
 #include "service/OrvSMCHelperServer.h"
 #include "simulated/MachineFile.h"
 #include "simulated/SimulatedPlatform.h"
@@ -158,5 +159,6 @@ int main(int argumentCount, char** arguments)
     if (commandLine.status)
         return *commandLine.status;
     std::set_terminate(endForShortage);
+    keepThreadStacksSmall();
     return commandLine.machinePath ? serveSimulated(commandLine.machinePath) : serveHost();
 }

@@ -15,7 +15,7 @@ namespace orv {
 class SMC {
 public:
     io_connect_t conn = 0; // 0 until the first successful open; close leaves it
-    std::optional<std::vector<std::string>> keysList; // kept for good once it was asked for, also when empty
+    std::optional<std::vector<std::string>> keysList; // kept once it was asked for, also when empty
 
     virtual ~SMC() = default;
 
@@ -27,6 +27,8 @@ public:
     virtual std::optional<double> getValue(const std::string& key);
     /// The SMC's keys that begin with "T" or "F", in its order. The first call walks every key of the SMC.
     virtual const std::vector<std::string>& getAllKeys();
+    /// Where the driver of the SMC may come and go: the next getAllKeys walks anew.
+    void forgetKeys() { keysList.reset(); }
     /// Fills size, type and bytes of a key of four characters; otherwise returns the first failing exchange's code.
     virtual kern_return_t read(SMCVal& val);
 

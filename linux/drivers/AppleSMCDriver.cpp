@@ -4,7 +4,7 @@
 #include "linux/drivers/SensorFiles.h"
 #include "smc/FourCharCode.h"
 
-#include <array>
+#include <algorithm>
 #include <utility>
 
 namespace orv {
@@ -14,28 +14,34 @@ namespace {
 constexpr std::uint32_t keyCountKey = fourCharCode("#KEY");
 
 // The driver's device on Macs up to about 2017, and on those with a T2 chip.
-constexpr std::array<const char*, 2> applesmcFolders{
-    "/sys/devices/platform/applesmc.768",
-    "/sys/bus/acpi/devices/APP0001:00",
-};
+constexpr const char* platformFolder = "/sys/devices/platform/applesmc.768";
+constexpr const char* acpiFolder = "/sys/bus/acpi/devices/APP0001:00";
+constexpr const char* hwmonFolder = "/sys/class/hwmon";
+
+// A minute of refreshes, in which a driver that was just loaded adds its files and gets its group.
+constexpr int looksForMore = 12;
 
 } // namespace
 
-AppleSMCDriver::AppleSMCDriver(SMCAttributes& driverCalls, std::string systemRoot)
+AppleSMCDriver::AppleSMCDriver(SMCAttributes& driverCalls, std::string systemRoot, std::function<void()> whenNewKeys)
     : calls(driverCalls)
     , root(std::move(systemRoot))
+    , onNewKeys(std::move(whenNewKeys))
 {
 }
 
 bool AppleSMCDriver::hasSMC()
 {
-    lookForSource();
+    lookAgain();
+    if (std::exchange(hasNewKeys, false) && onNewKeys)
+        onNewKeys();
     return source != nullptr;
 }
 
 SMCOutcome AppleSMCDriver::keyInfo(std::uint32_t key, Hardware::KeyInfo& info)
 {
-    if (!hasSMC())
+    lookFirst();
+    if (!source)
         return SMCOutcome::failed();
     if (key == keyCountKey) {
         info = {.dataSize = 4, .dataType = fourCharCode("ui32")};
@@ -50,7 +56,8 @@ SMCOutcome AppleSMCDriver::keyInfo(std::uint32_t key, Hardware::KeyInfo& info)
 
 SMCOutcome AppleSMCDriver::readBytes(std::uint32_t key, Hardware::Bytes& bytes)
 {
-    if (!hasSMC())
+    lookFirst();
+    if (!source)
         return SMCOutcome::failed();
     if (key == keyCountKey) {
         const auto count = source->keys().size();
@@ -59,12 +66,21 @@ SMCOutcome AppleSMCDriver::readBytes(std::uint32_t key, Hardware::Bytes& bytes)
         return {};
     }
     const auto found = position(key);
-    return found ? source->readBytes(*found, bytes) : SMCOutcome::unknownKey();
+    if (!found)
+        return SMCOutcome::unknownKey();
+    const auto outcome = source->readBytes(*found, bytes);
+    if (outcome.status != SMCOutcome::noDevice().status)
+        return outcome;
+    // Unloaded, and perhaps loaded again with its files at another place.
+    look();
+    const auto foundAnew = source ? position(key) : std::nullopt;
+    return foundAnew ? source->readBytes(*foundAnew, bytes) : outcome;
 }
 
 SMCOutcome AppleSMCDriver::keyAtIndex(std::uint32_t index, std::uint32_t& key)
 {
-    if (!hasSMC())
+    lookFirst();
+    if (!source)
         return SMCOutcome::failed();
     const auto& keys = source->keys();
     if (index >= keys.size())
@@ -75,15 +91,15 @@ SMCOutcome AppleSMCDriver::keyAtIndex(std::uint32_t index, std::uint32_t& key)
     return {};
 }
 
-std::unique_ptr<SMCKeySource> AppleSMCDriver::findSource()
+std::unique_ptr<SMCKeySource> AppleSMCDriver::findSource() const
 {
-    for (const auto* folder : applesmcFolders) {
+    for (const auto* folder : {platformFolder, acpiFolder}) {
         if (auto indexed = IndexedKeys::open(calls, root + folder))
             return indexed;
         if (auto files = SensorFiles::applesmc(calls, root + folder))
             return files;
     }
-    return SensorFiles::macsmc(calls, root + "/sys/class/hwmon");
+    return SensorFiles::macsmc(calls, root + hwmonFolder);
 }
 
 // A value is asked for right after its key's info.
@@ -96,11 +112,47 @@ std::optional<std::size_t> AppleSMCDriver::position(std::uint32_t key)
     return lastFound;
 }
 
-void AppleSMCDriver::lookForSource()
+void AppleSMCDriver::lookFirst()
 {
-    if (std::exchange(hasLooked, true))
+    if (!hasLooked)
+        look();
+}
+
+void AppleSMCDriver::lookAgain()
+{
+    const auto appears = [this](const std::string& place) { return calls.exists(place); };
+    lookFirst();
+    if (source)
+        lookForMore();
+    else if (std::ranges::any_of(places, appears))
+        look();
+}
+
+// Keys that were readable once are not taken away for a moment in which they are not.
+void AppleSMCDriver::lookForMore()
+{
+    if (looksLeft == 0)
         return;
-    source = findSource();
+    --looksLeft;
+    auto found = findSource();
+    if (found && found->keys().size() > source->keys().size())
+        use(std::move(found));
+}
+
+void AppleSMCDriver::look()
+{
+    hasLooked = true;
+    use(findSource());
+}
+
+void AppleSMCDriver::use(std::unique_ptr<SMCKeySource> found)
+{
+    source = std::move(found);
+    looksLeft = source && !source->isComplete() ? looksForMore : 0;
+    places = source ? std::vector<std::string>() : placesToWatch();
+    hasNewKeys = true;
+    positions.clear();
+    lastFound.reset();
     if (!source)
         return;
     const auto& keys = source->keys();
@@ -108,6 +160,20 @@ void AppleSMCDriver::lookForSource()
         if (keys[index].name != 0)
             positions.emplace(keys[index].name, index);
     }
+}
+
+// Where ACPI lists the devices it has done so since the computer was started: what is not there is no T2 chip's, and
+// Apple silicon has no ACPI. So a computer that is no Mac costs one look.
+std::vector<std::string> AppleSMCDriver::placesToWatch() const
+{
+    std::vector<std::string> awaited{root + platformFolder};
+    if (!calls.exists(root + "/sys/bus/acpi/devices")) {
+        awaited.push_back(root + acpiFolder);
+        awaited.push_back(SensorFiles::nextHwmonFolder(calls, root + hwmonFolder));
+    } else if (calls.exists(root + acpiFolder)) {
+        awaited.push_back(root + acpiFolder + "/key_count");
+    }
+    return awaited;
 }
 
 } // namespace orv

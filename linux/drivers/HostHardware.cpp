@@ -4,6 +4,7 @@
 
 #include <initializer_list>
 #include <string_view>
+#include <utility>
 
 namespace orv {
 
@@ -44,8 +45,8 @@ std::string firstNonEmpty(std::initializer_list<std::string> texts)
 
 } // namespace
 
-HostHardware::HostHardware(const std::string& root, SMCAttributes& attributes)
-    : driver(attributes, root)
+HostHardware::HostHardware(const std::string& root, SMCAttributes& attributes, std::function<void()> onNewKeys)
+    : driver(attributes, root, std::move(onNewKeys))
 {
     const auto productName = trimmed(firstLineOfFile(root + "/sys/class/dmi/id/product_name", largestSystemFile));
     const auto deviceTreeModel = trimmed(firstLineOfFile(root + "/proc/device-tree/model", largestSystemFile));

@@ -3,6 +3,7 @@
 #include "hardware/Hardware.h"
 #include "linux/drivers/AppleSMCDriver.h"
 
+#include <functional>
 #include <map>
 #include <string>
 
@@ -11,7 +12,8 @@ namespace orv {
 /// The Linux machine that the program runs on. Files are looked up below `root`, which is empty outside tests.
 class HostHardware final : public Hardware {
 public:
-    HostHardware(const std::string& root, SMCAttributes& attributes);
+    /// `onNewKeys` is called, within hasSMC, when the SMC has other keys than before.
+    HostHardware(const std::string& root, SMCAttributes& attributes, std::function<void()> onNewKeys = {});
 
     bool hasSMC() override { return driver.hasSMC(); }
     SMCOutcome keyInfo(std::uint32_t key, KeyInfo& info) override { return driver.keyInfo(key, info); }

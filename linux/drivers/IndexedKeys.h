@@ -18,6 +18,7 @@ public:
     static std::unique_ptr<IndexedKeys> open(SMCAttributes& calls, const std::string& folder);
 
     const std::vector<SMCKey>& keys() const override { return walkedKeys; }
+    bool isComplete() const override { return true; }
     SMCOutcome readBytes(std::size_t position, Hardware::Bytes& bytes) override;
 
 private:

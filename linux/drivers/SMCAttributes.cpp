@@ -1,6 +1,7 @@
 #include "linux/drivers/SMCAttributes.h"
 
 #include <fcntl.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <utility>
@@ -11,6 +12,11 @@ FileDescriptor SysfsAttributes::open(const std::string& path, Access access)
 {
     const int mode = access == Access::reading ? O_RDONLY : O_RDWR;
     return FileDescriptor(::open(path.c_str(), mode | O_CLOEXEC | O_NONBLOCK));
+}
+
+bool SysfsAttributes::exists(const std::string& path)
+{
+    return ::access(path.c_str(), F_OK) == 0;
 }
 
 ssize_t SysfsAttributes::read(int descriptor, std::span<char> bytes)
@@ -51,13 +57,17 @@ ssize_t KeptAttribute::write(std::string_view text)
 // The descriptor of a driver that went away answers ENODEV for good, also after the driver came back.
 template <typename Call> ssize_t KeptAttribute::perform(Call call)
 {
-    if (!open())
-        return -1;
-    const auto result = call(descriptor.get());
-    if (result >= 0 || errno != ENODEV)
-        return result;
-    descriptor.reset();
-    return open() ? call(descriptor.get()) : -1;
+    if (descriptor) {
+        const auto result = call(descriptor.get());
+        if (result >= 0 || errno != ENODEV)
+            return result;
+        descriptor.reset();
+    }
+    if (open())
+        return call(descriptor.get());
+    if (errno == ENOENT || errno == EACCES) // what comes back is readable at once, and writable a moment later
+        errno = ENODEV;
+    return -1;
 }
 
 } // namespace orv

@@ -18,6 +18,8 @@ public:
 
     enum class Access { reading, readingAndWriting };
     virtual FileDescriptor open(const std::string& path, Access access) = 0;
+    /// Whether there is a file or a folder.
+    virtual bool exists(const std::string& path) = 0;
     /// Asks the driver afresh, from the start of the attribute.
     virtual ssize_t read(int descriptor, std::span<char> bytes) = 0;
     virtual ssize_t write(int descriptor, std::string_view text) = 0;
@@ -27,6 +29,7 @@ public:
 class SysfsAttributes final : public SMCAttributes {
 public:
     FileDescriptor open(const std::string& path, Access access) override;
+    bool exists(const std::string& path) override;
     ssize_t read(int descriptor, std::span<char> bytes) override;
     ssize_t write(int descriptor, std::string_view text) override;
 };
@@ -39,7 +42,7 @@ public:
 
     /// Whether it is open, now or already before.
     bool open();
-    /// The number of bytes, or -1.
+    /// The number of bytes, or -1; then errno is ENODEV when its driver is not there.
     ssize_t read(std::span<char> bytes);
     ssize_t write(std::string_view text);
 

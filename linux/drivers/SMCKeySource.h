@@ -21,7 +21,9 @@ public:
 
     /// In index order; fixed for the life of the source.
     virtual const std::vector<SMCKey>& keys() const = 0;
-    /// The value of the key at a position in `keys`.
+    /// Whether these are all keys that the SMC has.
+    virtual bool isComplete() const = 0;
+    /// The value of the key at a position in `keys`; `noDevice` when the driver is not there any more.
     virtual SMCOutcome readBytes(std::size_t position, Hardware::Bytes& bytes) = 0;
 };
 

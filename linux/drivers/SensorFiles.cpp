@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cerrno>
 #include <cmath>
 #include <optional>
 #include <utility>
@@ -53,46 +54,66 @@ void storeFloat(double number, Hardware::Bytes& bytes)
         bytes[index] = static_cast<std::uint8_t>(bits >> 8 * index);
 }
 
+std::optional<std::int64_t> readNumber(KeptAttribute& file)
+{
+    std::array<char, 32> text;
+    const auto count = file.read(text);
+    if (count < 0)
+        return std::nullopt;
+    return attributeNumber({text.data(), static_cast<std::size_t>(count)});
+}
+
+// No sensor reads a million degrees or revolutions: a larger number is clamped before anything is made of it.
+double clampedNumber(std::int64_t number)
+{
+    return static_cast<double>(std::clamp<std::int64_t>(number, -1'000'000'000, 1'000'000'000));
+}
+
 } // namespace
 
 std::unique_ptr<SensorFiles> SensorFiles::applesmc(SMCAttributes& calls, const std::string& folder)
 {
-    std::unique_ptr<SensorFiles> source(new SensorFiles(calls, folder));
-    for (int number = 1; number <= mostTemperatures; ++number) {
-        const auto stem = "temp" + std::to_string(number);
-        const auto label = source->text(stem + "_label");
-        if (label.size() == 4)
-            source->add(fourCharCode(label), Form::temperature, stem + "_input");
+    std::unique_ptr<SensorFiles> source(new SensorFiles(calls));
+    source->addApplesmcSensors(folder);
+    for (int device = 0; device < mostHwmonFolders; ++device) {
+        const auto hwmon = folder + "/hwmon/hwmon" + std::to_string(device);
+        if (calls.exists(hwmon))
+            source->addApplesmcSensors(hwmon);
     }
-    for (int number = 1; number <= mostFans; ++number)
-        source->addFan(number - 1, number, Form::speed);
     return source->listedKeys.empty() ? nullptr : std::move(source);
 }
 
 std::unique_ptr<SensorFiles> SensorFiles::macsmc(SMCAttributes& calls, const std::string& hwmonFolder)
 {
     for (int device = 0; device < mostHwmonFolders; ++device) {
-        std::unique_ptr<SensorFiles> source(new SensorFiles(calls, hwmonFolder + "/hwmon" + std::to_string(device)));
-        if (!source->text("name").starts_with("macsmc"))
+        const auto folder = hwmonFolder + "/hwmon" + std::to_string(device);
+        std::unique_ptr<SensorFiles> source(new SensorFiles(calls));
+        if (!source->text(folder + "/name").starts_with("macsmc"))
             continue;
-        source->addMacsmcSensors();
+        source->addMacsmcSensors(folder);
         if (!source->listedKeys.empty())
             return source;
     }
     return nullptr;
 }
 
+// The kernel gives out the lowest number that is free.
+std::string SensorFiles::nextHwmonFolder(SMCAttributes& calls, const std::string& hwmonFolder)
+{
+    int device = 0;
+    while (device < mostHwmonFolders && calls.exists(hwmonFolder + "/hwmon" + std::to_string(device)))
+        ++device;
+    return hwmonFolder + "/hwmon" + std::to_string(device);
+}
+
 SMCOutcome SensorFiles::readBytes(std::size_t position, Hardware::Bytes& bytes)
 {
     auto& sensor = sensors[position];
-    std::array<char, 32> text;
-    const auto count = sensor.file.read(text);
-    const auto number =
-        count > 0 ? attributeNumber({text.data(), static_cast<std::size_t>(count)}) : std::optional<std::int64_t>();
+    errno = 0;
+    const auto number = readNumber(sensor.file);
     if (!number)
-        return SMCOutcome::failed();
-    // No sensor reads a million degrees or revolutions: a larger number is clamped before anything is made of it.
-    const auto value = static_cast<double>(std::clamp<std::int64_t>(*number, -1'000'000'000, 1'000'000'000));
+        return errno == ENODEV ? SMCOutcome::noDevice() : SMCOutcome::failed();
+    const auto value = clampedNumber(*number);
     switch (sensor.form) {
     case Form::temperature:
         storeBigEndian(std::lround(std::clamp(value * 0.256, -32768.0, 32767.0)), bytes);
@@ -110,13 +131,51 @@ SMCOutcome SensorFiles::readBytes(std::size_t position, Hardware::Bytes& bytes)
     return {};
 }
 
-SensorFiles::SensorFiles(SMCAttributes& driverCalls, std::string sensorFolder)
+SensorFiles::SensorFiles(SMCAttributes& driverCalls)
     : calls(driverCalls)
-    , folder(std::move(sensorFolder))
 {
 }
 
-void SensorFiles::add(std::uint32_t name, Form form, const std::string& file)
+void SensorFiles::addApplesmcSensors(const std::string& folder)
+{
+    for (int number = 1; number <= mostTemperatures; ++number) {
+        const auto stem = folder + "/temp" + std::to_string(number);
+        const auto label = text(stem + "_label");
+        if (label.size() == 4)
+            add(fourCharCode(label), Form::temperature, stem + "_input");
+    }
+    for (int number = 1; number <= mostFans; ++number)
+        addFan(number - 1, folder + "/fan" + std::to_string(number), Form::speed);
+}
+
+void SensorFiles::addMacsmcSensors(const std::string& folder)
+{
+    for (int number = 1; number <= mostTemperatures; ++number) {
+        const auto stem = folder + "/temp" + std::to_string(number);
+        const auto known = std::ranges::find(macsmcTemperatures, text(stem + "_label"), &LabelledKey::label);
+        if (known != macsmcTemperatures.end())
+            add(fourCharCode(known->key), Form::temperatureFloat, stem + "_input");
+    }
+    for (int number = 1; number <= mostFans; ++number)
+        addMacsmcFan(folder + "/fan" + std::to_string(number));
+}
+
+void SensorFiles::addMacsmcFan(const std::string& stem)
+{
+    const auto known = std::ranges::find(macsmcFans, text(stem + "_label"), &LabelledFan::label);
+    if (known != macsmcFans.end())
+        addFan(known->fan, stem, Form::speedFloat);
+}
+
+void SensorFiles::addFan(std::int64_t fan, const std::string& stem, Form form)
+{
+    using namespace Orv_SMCHelper;
+    add(fourCharCode(fanKey(fan, actualSpeed)), form, stem + "_input");
+    add(fourCharCode(fanKey(fan, minimumSpeed)), form, stem + "_min");
+    add(fourCharCode(fanKey(fan, maximumSpeed)), form, stem + "_max");
+}
+
+void SensorFiles::add(std::uint32_t name, Form form, const std::string& path)
 {
     constexpr std::array<Hardware::KeyInfo, 4> formats{{
         {.dataSize = 2, .dataType = fourCharCode("sp78")},
@@ -124,54 +183,24 @@ void SensorFiles::add(std::uint32_t name, Form form, const std::string& file)
         {.dataSize = 4, .dataType = fourCharCode("flt ")},
         {.dataSize = 4, .dataType = fourCharCode("flt ")},
     }};
+    KeptAttribute file(calls, path);
+    // For a fan of type "flt " applesmc has files that it refuses to read.
+    if (isListed(name) || !readNumber(file))
+        return;
     listedKeys.push_back({name, formats[static_cast<std::size_t>(form)]});
-    sensors.push_back({form, KeptAttribute(calls, folder + '/' + file)});
+    sensors.push_back({form, std::move(file)});
 }
 
-void SensorFiles::addFan(std::int64_t fan, int number, Form form)
+bool SensorFiles::isListed(std::uint32_t name) const
 {
-    constexpr std::array<std::pair<std::string_view, const char*>, 3> files{{
-        {Orv_SMCHelper::actualSpeed, "_input"},
-        {Orv_SMCHelper::minimumSpeed, "_min"},
-        {Orv_SMCHelper::maximumSpeed, "_max"},
-    }};
-    const auto stem = "fan" + std::to_string(number);
-    for (const auto& [speed, ending] : files) {
-        if (exists(stem + ending))
-            add(fourCharCode(Orv_SMCHelper::fanKey(fan, speed)), form, stem + ending);
-    }
+    return std::ranges::find(listedKeys, name, &SMCKey::name) != listedKeys.end();
 }
 
-void SensorFiles::addMacsmcSensors()
-{
-    for (int number = 1; number <= mostTemperatures; ++number) {
-        const auto stem = "temp" + std::to_string(number);
-        const auto known = std::ranges::find(macsmcTemperatures, text(stem + "_label"), &LabelledKey::label);
-        if (known != macsmcTemperatures.end())
-            add(fourCharCode(known->key), Form::temperatureFloat, stem + "_input");
-    }
-    for (int number = 1; number <= mostFans; ++number)
-        addMacsmcFan(number);
-}
-
-void SensorFiles::addMacsmcFan(int number)
-{
-    const auto known =
-        std::ranges::find(macsmcFans, text("fan" + std::to_string(number) + "_label"), &LabelledFan::label);
-    if (known != macsmcFans.end())
-        addFan(known->fan, number, Form::speedFloat);
-}
-
-std::string SensorFiles::text(const std::string& file) const
+std::string SensorFiles::text(const std::string& path) const
 {
     std::array<char, 64> text;
-    const auto count = KeptAttribute(calls, folder + '/' + file).read(text);
+    const auto count = KeptAttribute(calls, path).read(text);
     return std::string(firstLine({text.data(), count < 0 ? 0 : static_cast<std::size_t>(count)}));
-}
-
-bool SensorFiles::exists(const std::string& file) const
-{
-    return KeptAttribute(calls, folder + '/' + file).open();
 }
 
 } // namespace orv

@@ -90,6 +90,14 @@ class SensorFilesTest(HostTest):
         self.assertEqual(self.temperatures(), {"TB0T": 31.125, "TCHP": 40.5, "TW0P": 38.25})
         self.assertEqual(self.thermal()["F0Ac"]["value"], 1300)
 
+    def test_driver_that_comes_late_is_taken_up(self):
+        self.write_intel()
+        self.start_host()
+        self.assertEqual(self.thermal(), {})
+        hwmon = "hwmon/hwmon3/"
+        self.write_intel(**{hwmon + "temp1_label": "TC0P\n", hwmon + "temp1_input": "47500\n", hwmon + "fan1_input": "2157\n"})
+        self.until(lambda: self.thermal().keys() == {"TC0P", "F0Ac"})
+
     def test_machine_that_says_nothing_of_itself_is_served(self):
         self.start_host()
         self.assertEqual((self.temperatures(), self.levels()), ({}, {}))

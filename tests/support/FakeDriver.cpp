@@ -58,6 +58,13 @@ FileDescriptor FakeDriver::open(const std::string& path, Access access)
     return descriptor;
 }
 
+bool FakeDriver::exists(const std::string& path)
+{
+    looks.push_back(path);
+    const auto next = files.lower_bound(path);
+    return isLoaded && next != files.end() && (next->first == path || next->first.starts_with(path + '/'));
+}
+
 ssize_t FakeDriver::read(int descriptor, std::span<char> bytes)
 {
     const auto& file = opened.at(descriptor);
@@ -68,6 +75,8 @@ ssize_t FakeDriver::read(int descriptor, std::span<char> bytes)
         if (keys[index].isUnreadable)
             return failed(EIO);
     }
+    if (const auto refusal = refusals.find(file.path); refusal != refusals.end())
+        return failed(refusal->second);
     const auto text = content(file.path);
     const auto count = std::min(text.size(), bytes.size());
     std::copy_n(text.begin(), count, bytes.begin());

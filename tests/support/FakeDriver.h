@@ -22,6 +22,8 @@ public:
     };
 
     std::map<std::string, std::string> files; // by path
+    std::map<std::string, int> refusals; // the errors that reading some of them ends with
+    std::vector<std::string> looks; // what was asked for its existence
     std::vector<Key> keys;
     std::size_t index = 0;
     bool isWritable = true;
@@ -37,6 +39,7 @@ public:
     std::size_t openDescriptors() const;
 
     FileDescriptor open(const std::string& path, Access access) override;
+    bool exists(const std::string& path) override;
     ssize_t read(int descriptor, std::span<char> bytes) override;
     ssize_t write(int descriptor, std::string_view text) override;
 

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
+
 namespace orv {
 
 namespace {
@@ -155,6 +157,7 @@ TEST_F(SensorFilesTest, FilesServeWhatTheyHave)
 
 TEST_F(SensorFilesTest, NumbersNoSensorReadsAreClampedOrAbsent)
 {
+    ASSERT_TRUE(driver.hasSMC());
     const std::pair<const char*, std::optional<double>> cases[]{{"", std::nullopt}, {"\n", std::nullopt},
         {"47 degrees\n", std::nullopt}, {"99999999999999999999\n", std::nullopt},
         {"9223372036854775807\n", 127.99609375}, {"-9223372036854775808\n", std::nullopt}, {"0", 0.0}};
@@ -184,12 +187,23 @@ TEST_F(SensorFilesTest, EachFileIsOpenedOnceAndAgainWhenItsDriverComesBack)
 {
     for (int round = 0; round < 3; ++round)
         EXPECT_EQ(value(driver, "TC0P"), 47.5);
-    EXPECT_EQ(fake.openDescriptors(), 1u);
+    EXPECT_EQ(fake.openDescriptors(), 6u);
     fake.unload();
-    EXPECT_EQ(value(driver, "TC0P"), std::nullopt);
     fake.load();
     EXPECT_EQ(value(driver, "TC0P"), 47.5);
-    EXPECT_EQ(fake.openDescriptors(), 1u);
+    EXPECT_EQ(fake.openDescriptors(), 6u);
+}
+
+TEST_F(SensorFilesTest, FileThatIsNoNumberIsNoKey)
+{
+    fake.refusals = {{folder + "/fan1_input", EINVAL}, {folder + "/temp9_input", EINVAL}};
+    fake.files[folder + "/fan1_min"] = "slow\n";
+    fake.files[folder + "/fan2_input"] = "";
+    EXPECT_EQ(keyNames(driver), "TC0P TC1P ");
+    // What is refused later only is a key without a value.
+    fake.refusals = {{folder + "/temp1_input", EIO}};
+    EXPECT_EQ(keyNames(driver), "TC0P TC1P ");
+    EXPECT_EQ(value(driver, "TC0P"), std::nullopt);
 }
 
 TEST(MacsmcTest, LabelsStandForKeys)
@@ -219,12 +233,125 @@ TEST(AppleSMCDriverTest, MacWithT2ChipHasItsOwnFolder)
     EXPECT_EQ(value(driver, "TB0T"), 31.0);
 }
 
-TEST(AppleSMCDriverTest, ComputerWithoutDriverHasNoSMC)
+TEST(AppleSMCDriverTest, FilesOfNewerKernelsLieInHwmon)
+{
+    for (const auto& device : {folder, "/sys/bus/acpi/devices/APP0001:00"s}) {
+        FakeDriver fake;
+        fake.files = {{device + "/hwmon/hwmon4/temp1_label", "TC0P\n"},
+            {device + "/hwmon/hwmon4/temp1_input", "47500\n"}, {device + "/hwmon/hwmon4/fan1_input", "2157\n"},
+            {device + "/fan1_input", "2100\n"}};
+        AppleSMCDriver files(fake, "");
+        EXPECT_EQ(keyNames(files), "F0Ac TC0P ") << "each key once";
+        EXPECT_EQ(value(files, "TC0P"), 47.5);
+        fake.addApplesmc(device, {{"TC0P", "sp78", "\x2f\x88"}, {"TC1P", "sp78", "\x30\x10"}});
+        AppleSMCDriver indexed(fake, "");
+        EXPECT_EQ(value(indexed, "TC0P"), 47.53125);
+    }
+}
+
+TEST(AppleSMCDriverTest, ComputerWithoutDriverCostsOneLookARefresh)
 {
     FakeDriver fake;
+    fake.files["/sys/bus/acpi/devices/PNP0C0A:00/hid"] = "";
     AppleSMCDriver driver(fake, "");
     EXPECT_FALSE(driver.hasSMC());
     EXPECT_EQ(value(driver, "#KEY"), std::nullopt);
+    for (int refresh = 0; refresh < 3; ++refresh) {
+        fake.looks.clear();
+        EXPECT_FALSE(driver.hasSMC());
+        EXPECT_EQ(fake.looks, std::vector{folder});
+    }
+}
+
+class LateDriverTest : public testing::Test {
+protected:
+    bool refresh()
+    {
+        newKeys = 0;
+        return driver.hasSMC();
+    }
+
+    FakeDriver fake;
+    int newKeys = 0; // how often they were announced in this refresh
+    AppleSMCDriver driver{fake, "", [this] { ++newKeys; }};
+};
+
+TEST_F(LateDriverTest, IsTakenUpByTheNextRefreshWhereverItAppears)
+{
+    const std::string acpi = "/sys/bus/acpi/devices";
+    const std::string hwmon = "/sys/class/hwmon";
+    const struct {
+        std::map<std::string, std::string> before;
+        std::map<std::string, std::string> files;
+        std::string key;
+    } cases[]{
+        {{}, {{folder + "/temp1_label", "TC0P\n"}, {folder + "/temp1_input", "47500\n"}}, "TC0P"},
+        {{{acpi + "/APP0001:00/hid", ""}},
+            {{acpi + "/APP0001:00/key_count", ""}, {acpi + "/APP0001:00/fan1_input", "1200\n"}}, "F0Ac"},
+        {{}, {{acpi + "/APP0001:00/fan1_input", "1200\n"}}, "F0Ac"},
+        {{{hwmon + "/hwmon0/name", "nvme\n"}},
+            {{hwmon + "/hwmon1/name", "macsmc_hwmon\n"}, {hwmon + "/hwmon1/fan1_label", "Fan\n"},
+                {hwmon + "/hwmon1/fan1_input", "1200\n"}},
+            "F0Ac"},
+    };
+    for (const auto& [before, files, key] : cases) {
+        FakeDriver computer;
+        computer.files = before;
+        int announcements = 0;
+        AppleSMCDriver late(computer, "", [&] { ++announcements; });
+        ASSERT_FALSE(late.hasSMC());
+        ASSERT_FALSE(late.hasSMC());
+        announcements = 0;
+        computer.files.insert(files.begin(), files.end());
+        ASSERT_TRUE(late.hasSMC()) << files.begin()->first;
+        EXPECT_EQ(announcements, 1);
+        EXPECT_EQ(keyNames(late), key + ' ');
+        EXPECT_NE(value(late, key), std::nullopt);
+        ASSERT_TRUE(late.hasSMC());
+        EXPECT_EQ(announcements, 1) << "the same keys";
+    }
+}
+
+TEST_F(LateDriverTest, FilesAndGroupThatFollowItsFolderAreTakenUpToo)
+{
+    fake.files = {{folder + "/name", "applesmc\n"}};
+    EXPECT_FALSE(refresh());
+    fake.addApplesmc(
+        folder, {{"TC0P", "sp78", "\x2f\x88"}, {"TC1P", "sp78", "\x30\x10"}, {"F0Ac", "fpe2", "\x1f\x42"}});
+    fake.isWritable = false;
+    fake.files[folder + "/temp1_label"] = "TC0P\n";
+    fake.files[folder + "/temp1_input"] = "47500\n";
+    ASSERT_TRUE(refresh());
+    EXPECT_EQ(keyNames(driver), "TC0P ");
+    fake.isWritable = true;
+    EXPECT_TRUE(refresh());
+    EXPECT_EQ(newKeys, 1);
+    EXPECT_EQ(keyNames(driver), "TC0P TC1P F0Ac ");
+    EXPECT_EQ(value(driver, "TC0P"), 47.53125);
+}
+
+TEST_F(LateDriverTest, KeysGoWithItAndComeBack)
+{
+    const auto number = [](int device) { return folder + "/hwmon/hwmon" + std::to_string(device); };
+    fake.files = {{number(2) + "/temp1_label", "TC0P\n"}, {number(2) + "/temp1_input", "47500\n"}};
+    ASSERT_TRUE(refresh());
+    // Reloaded between two refreshes, and given another number.
+    fake.unload();
+    fake.files = {{number(5) + "/temp1_label", "TC0P\n"}, {number(5) + "/temp1_input", "50000\n"}};
+    fake.load();
+    ASSERT_TRUE(refresh());
+    EXPECT_EQ(value(driver, "TC0P"), 50.0);
+    // Gone for a while: noticed in a reading, told by the next refresh.
+    fake.unload();
+    ASSERT_TRUE(refresh());
+    EXPECT_EQ(value(driver, "TC0P"), std::nullopt);
+    EXPECT_EQ(newKeys, 1);
+    EXPECT_FALSE(refresh());
+    EXPECT_EQ(newKeys, 1);
+    fake.load();
+    EXPECT_TRUE(refresh());
+    EXPECT_EQ(newKeys, 1);
+    EXPECT_EQ(value(driver, "TC0P"), 50.0);
 }
 
 } // namespace
