@@ -14,7 +14,7 @@ namespace {
 
 constexpr Seconds reloadInterval{40.0};
 constexpr Seconds companionTime{5.0}; // for the companion to write its file
-constexpr std::size_t largestWatchFile = 64u << 20;
+constexpr std::size_t largestWatchFile = 1u << 20; // so that no transport meets its own limit
 
 std::optional<BluetoothBatteryDictionary> objectOfObjects(const Value& value)
 {

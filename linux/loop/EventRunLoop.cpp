@@ -1,7 +1,6 @@
 #include "linux/loop/EventRunLoop.h"
 
 #include "linux/loop/Clocks.h"
-#include "linux/loop/FreeMemory.h"
 
 #include <sys/eventfd.h>
 
@@ -126,7 +125,6 @@ int EventRunLoop::timeReached(sd_event_source*, std::uint64_t, void* loop) noexc
 {
     auto& self = *static_cast<EventRunLoop*>(loop);
     self.timers.runDue(timeAwake());
-    giveFreeMemoryBack();
     self.armTimeSource();
     return 0;
 }

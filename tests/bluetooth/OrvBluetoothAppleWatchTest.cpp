@@ -60,10 +60,12 @@ TEST_F(WatchReader, KeepsTheLastEntriesWhenTheFileTurnsBad)
 {
     mac.runLoop.advance(Seconds(5));
     companionWorks = false;
-    for (const auto* content : {"", "{", "[]", R"({"a": {}, "b": 5})", R"({"a": {}, "b": null})"}) {
+    const auto tooLong = "{}" + std::string((1u << 20) - 1, ' ');
+    for (const std::string content :
+        {"", "{", "[]", R"({"a": {}, "b": 5})", R"({"a": {}, "b": null})", tooLong.c_str()}) {
         write(content);
         mac.runLoop.advance(Seconds(40));
-        EXPECT_TRUE(hasEntry("watch-1")) << content;
+        EXPECT_TRUE(hasEntry("watch-1")) << content.substr(0, 100);
     }
     std::filesystem::remove(*reader->watchBatteryFileURL());
     mac.runLoop.advance(Seconds(40));
@@ -72,7 +74,7 @@ TEST_F(WatchReader, KeepsTheLastEntriesWhenTheFileTurnsBad)
     mac.runLoop.advance(Seconds(40));
     EXPECT_FALSE(hasEntry("watch-1"));
     EXPECT_TRUE(hasEntry("watch-2"));
-    write("{}");
+    write(tooLong.substr(0, 1u << 20));
     mac.runLoop.advance(Seconds(40));
     EXPECT_TRUE(reader->systemBlueToothDictionary.empty());
 }
