@@ -33,19 +33,31 @@ LoginWorkspace::LoginWorkspace(
     , launcher(spawnLauncher)
     , clock(std::move(givenClock))
     , knownTimeAsleep(clock())
-    , runningApplications(std::make_shared<std::set<std::string>>())
+    , runningApplications(std::make_shared<RunningApplications>())
 {
     systemBus.watch([this](sd_bus* connection) { addMatches(connection); }, [this] { announcerVanished(); });
 }
 
 void LoginWorkspace::openApplication(const std::string& path)
 {
-    if (!runningApplications->insert(path).second)
+    auto entry = enter(path);
+    if (!entry)
         return;
-    runLoop.postToBackground([path, running = runningApplications, &loop = runLoop, &programs = launcher] {
-        programs.run(executable(path));
-        loop.post([path, running] { running->erase(path); });
-    });
+    runLoop.postToBackground(
+        [path, entry = std::move(entry), &programs = launcher] { programs.run(executable(path)); });
+}
+
+// An entry that lasts as long as what is returned, on whatever thread that ends: work that is dropped for want of a
+// thread must not count as running for ever. Nothing when there is one already.
+std::shared_ptr<LoginWorkspace::RunningApplications> LoginWorkspace::enter(const std::string& path) const
+{
+    const std::lock_guard lock(runningApplications->mutex);
+    if (!runningApplications->paths.insert(path).second)
+        return nullptr;
+    return {runningApplications.get(), [path, owner = runningApplications](RunningApplications* running) {
+                const std::lock_guard ending(running->mutex);
+                running->paths.erase(path);
+            }};
 }
 
 void LoginWorkspace::prepareForSleep(bool isStarting)

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <set>
 #include <string>
 
@@ -37,6 +38,12 @@ public:
     void checkClocks();
 
 private:
+    struct RunningApplications {
+        std::mutex mutex;
+        std::set<std::string> paths;
+    };
+
+    std::shared_ptr<RunningApplications> enter(const std::string& path) const;
     static int prepareForSleepArrived(sd_bus_message* signal, void* workspace, sd_bus_error*);
     static int loginOwnerChanged(sd_bus_message* signal, void* workspace, sd_bus_error*);
     void addMatches(sd_bus* connection);
@@ -49,7 +56,7 @@ private:
     std::chrono::nanoseconds knownTimeAsleep;
     bool isSleepAnnounced = false;
     bool isWakeCounted = false; // by the clocks, before logind told of the same one
-    std::shared_ptr<std::set<std::string>> runningApplications;
+    const std::shared_ptr<RunningApplications> runningApplications;
 };
 
 } // namespace orv

@@ -86,6 +86,39 @@ TEST_F(LoginWorkspaceTest, SleepWhoseAnnouncerVanishesEnds)
     EXPECT_EQ(told, "sleep wake ");
 }
 
+/// Drops its background work as long as there are no threads.
+class RunLoopWithoutThreads final : public RunLoop {
+public:
+    std::unique_ptr<Timer> scheduleRepeating(Seconds, std::function<void()>) override { return nullptr; }
+    void runAfter(Seconds, std::function<void()>) override { }
+    void post(std::function<void()>) override { }
+    void postToBackground(std::function<void()> run) override
+    {
+        ++attempts;
+        if (keepsWork)
+            kept = std::move(run);
+    }
+
+    int attempts = 0;
+    bool keepsWork = false;
+    std::function<void()> kept;
+};
+
+TEST_F(LoginWorkspaceTest, ApplicationWhoseStartWasDroppedIsOpenedTheNextTime)
+{
+    RunLoopWithoutThreads loop;
+    LoginWorkspace opening(loop, launcher, systemBus);
+    opening.openApplication("/nonexistent");
+    loop.keepsWork = true;
+    opening.openApplication("/nonexistent");
+    EXPECT_EQ(loop.attempts, 2);
+    opening.openApplication("/nonexistent"); // still runs
+    EXPECT_EQ(loop.attempts, 2);
+    loop.kept = nullptr;
+    opening.openApplication("/nonexistent");
+    EXPECT_EQ(loop.attempts, 3);
+}
+
 } // namespace
 
 } // namespace orv
