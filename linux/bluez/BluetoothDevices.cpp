@@ -83,7 +83,7 @@ std::optional<BluetoothDevice> hidDevice(const std::filesystem::path& supply)
     const auto percentage = decimalInteger(attribute(supply, "capacity"));
     if (!isAddress(address) || !percentage || *percentage < 0 || *percentage > largestPercentage)
         return std::nullopt;
-    const auto model = attribute(supply, "model_name");
+    const auto model = repairedUTF8(attribute(supply, "model_name")); // the kernel may cut it within a character
     return BluetoothDevice{address, model.empty() ? address : model, true, static_cast<std::uint8_t>(*percentage)};
 }
 

@@ -90,10 +90,17 @@ TEST(BluetoothDevicesTest, KernelsBatteriesAreThoseOfBluetoothAddresses)
     addSupply("hid-aa-bb-cc-dd-ee-ff-battery", "50\n");
     addSupply("hid-battery", "50\n");
     addSupply("BAT0", "50\n");
+    std::string cut = "Tastatur";
+    while (cut.size() <= 127)
+        cut += "\u00e4";
+    cut.resize(127); // as the kernel does
+    std::ofstream(root / "sys/class/power_supply/hid-aa:bb:cc:dd:ee:01-battery/model_name") << cut << '\n';
     const auto devices = hidDevices(root);
     ASSERT_EQ(devices.size(), 1u);
     EXPECT_EQ(devices[0].address, one);
     EXPECT_EQ(devices[0].percentage, 60);
+    EXPECT_EQ(devices[0].name, cut.substr(0, 126) + "\ufffd");
+    EXPECT_EQ(parseBluetoothReport(report({}, devices)).size(), 1u);
     std::filesystem::remove_all(root);
     EXPECT_TRUE(hidDevices(root).empty());
 }
