@@ -53,17 +53,19 @@ void TimerQueue::runDue(Instant now)
             const auto missed = (now - deadline) / item.interval;
             insert(deadline + (missed + 1) * item.interval, item);
         }
-        running = now - deadline <= tolerance ? std::optional(deadline) : std::nullopt;
+        running = deadline;
         (*item.run)();
         running.reset();
     }
 }
 
 // A delay asked for by something that runs on time counts from that thing's deadline, so that what was in step with
-// the other timers stays in step with them.
+// the other timers stays in step with them. On time is judged now: `runDue` was told an earlier instant than this, if
+// what ran since then was slow.
 TimerQueue::Instant TimerQueue::countedFrom(Instant now) const
 {
-    return running.value_or(now);
+    const bool isOnTime = running && now - *running <= tolerance;
+    return isOnTime ? *running : now;
 }
 
 void TimerQueue::insert(Instant deadline, Item item)

@@ -47,7 +47,7 @@ private:
     std::map<Position, Item> items;
     std::uint64_t scheduled = 0;
     Identifier identifiers = 0;
-    std::optional<Instant> running; // the deadline of what is running, when it runs on time
+    std::optional<Instant> running; // the deadline of what is running
 };
 
 } // namespace orv

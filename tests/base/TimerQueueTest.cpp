@@ -79,6 +79,15 @@ TEST_F(Timers, RunAPastThingAtOnce)
     EXPECT_EQ(log, "p");
 }
 
+TEST_F(Timers, CountADelayFromNowAfterSomethingSlow)
+{
+    auto now = 1s;
+    queue.scheduleOnce(0s, 1s, [&] { now += 2s; });
+    queue.scheduleOnce(0s, 1s, [&] { queue.scheduleOnce(now, 5s, note("companion")); });
+    queue.runDue(now);
+    EXPECT_EQ(queue.nextDeadline(), 8s);
+}
+
 TEST_F(Timers, MayEndThemselvesAndScheduleMore)
 {
     TimerQueue::Identifier identifier = 0;
