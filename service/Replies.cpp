@@ -2,6 +2,9 @@
 
 #include "readings/Text.h"
 
+#include <algorithm>
+#include <set>
+#include <string>
 #include <type_traits>
 #include <utility>
 #include <variant>
@@ -50,19 +53,33 @@ public:
     {
     }
 
-    void writeKey(std::string_view key) { sink.key(limits.noncharacters ? key : textWithoutNoncharacters(key)); }
+    /// Of members whose keys are replaced by the same text the first is written.
+    template <typename Members> void writeMembers(const Members& members)
+    {
+        const auto isReplaced = [](const auto& member) {
+            const auto& [key, value] = member;
+            return textWithoutNoncharacters(key) != key;
+        };
+        const bool mayCollide = !limits.noncharacters && std::any_of(members.begin(), members.end(), isReplaced);
+        std::set<std::string> written;
+        sink.beginDictionary();
+        for (const auto& [key, value] : members) {
+            if (!canCarry(value))
+                continue;
+            const auto replaced = limits.noncharacters ? std::string() : textWithoutNoncharacters(key);
+            const std::string_view carried = limits.noncharacters ? key : replaced;
+            if (mayCollide && !written.emplace(carried).second)
+                continue;
+            sink.key(carried);
+            write(value);
+        }
+        sink.endDictionary();
+    }
 
     void write(const Dictionary& dictionary)
     {
         const Nesting nesting(*this);
-        sink.beginDictionary();
-        for (const auto& [key, value] : dictionary) {
-            if (!canCarry(value))
-                continue;
-            writeKey(key);
-            write(value);
-        }
-        sink.endDictionary();
+        writeMembers(dictionary);
     }
 
 private:
@@ -78,6 +95,7 @@ private:
         std::size_t& depth;
     };
 
+    static bool canCarry(const Dictionary&) { return true; } // an entry
     bool canCarry(const Value& value) const
     {
         return !std::holds_alternative<std::nullptr_t>(value.data) && depth <= limits.depth;
@@ -129,13 +147,7 @@ void writeThermalReply(const ThermalDictionary& readings, ReplySink& sink)
 
 void writeBluetoothReply(const BluetoothBatteryDictionary& readings, ReplySink& sink, const ReplyLimits& limits)
 {
-    LimitedWriter writer(sink, limits);
-    sink.beginDictionary();
-    for (const auto& [deviceKey, levels] : readings) {
-        writer.writeKey(deviceKey);
-        writer.write(levels);
-    }
-    sink.endDictionary();
+    LimitedWriter(sink, limits).writeMembers(readings);
 }
 
 } // namespace orv

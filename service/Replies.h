@@ -29,7 +29,8 @@ public:
 /// What a transport cannot carry of a watch file, and is therefore left out or replaced.
 struct ReplyLimits {
     std::size_t depth = SIZE_MAX; // a value inside this many containers of its entry is the deepest
-    bool noncharacters = true; // otherwise a NUL or a noncharacter in a text becomes U+FFFD
+    bool noncharacters = true; // otherwise a NUL or a noncharacter in a text becomes U+FFFD; of keys that this makes
+                               // equal the first is kept
 };
 
 inline constexpr ReplyLimits propertyListLimits{};

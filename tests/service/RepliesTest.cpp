@@ -67,3 +67,11 @@ TEST(BluetoothReply, LeavesOutWhatTheMessageBusCannotCarry)
         R"({"k�": {"t�": "a�b�c"}, "w": {"deep": )" + nested(15) + R"(, "deeper": )" + std::string(16, '[')
             + std::string(16, ']') + "}}");
 }
+
+TEST(BluetoothReply, HoldsNoKeyTwiceWhereTheMessageBusReplacesCharacters)
+{
+    const auto reply = bluetoothReply(
+        R"({"k\u0000": {"a\ufffe": 1, "b": 2, "a�": 3, "a\u0000": 4, "c\u0000": null, "c�": 5}, "k�": {}, "k\uffff": {}})",
+        messageBusLimits);
+    EXPECT_EQ(reply, R"({"k�": {"a�": 1, "b": 2, "c�": 5}})");
+}
