@@ -2,7 +2,6 @@
 
 #include "bluetooth/ZpBluetoothSysProfile.h"
 #include "linux/ProgramPaths.h"
-#include "simulated/ProfilerEnvironment.h"
 
 #include <filesystem>
 
@@ -15,8 +14,8 @@ std::map<std::string, LaunchedProgram> hostProfilerProgram()
 
 std::map<std::string, LaunchedProgram> simulatedProfilerProgram(const std::string& machinePath)
 {
-    auto variable = std::string(profilerMachineVariable) + "=" + std::filesystem::absolute(machinePath).string();
-    return {{ZpBluetoothSysProfile::profilerPath, {helperProgram("system_profiler"), {std::move(variable)}}}};
+    return {{ZpBluetoothSysProfile::profilerPath,
+        {helperProgram("system_profiler"), {"--simulate", std::filesystem::absolute(machinePath).string()}}}};
 }
 
 } // namespace orv

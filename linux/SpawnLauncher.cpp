@@ -59,30 +59,27 @@ public:
     posix_spawnattr_t attributes;
 };
 
-std::vector<char*> pointers(const std::vector<std::string>& texts)
-{
-    std::vector<char*> result;
-    for (const auto& text : texts)
-        result.push_back(const_cast<char*>(text.c_str()));
-    return result;
-}
-
 std::optional<pid_t> spawn(const LaunchedProgram& program, const std::vector<std::string>& arguments, int output)
 {
-    auto argumentPointers = pointers(arguments);
-    argumentPointers.insert(argumentPointers.begin(), const_cast<char*>(program.path.c_str()));
-    argumentPointers.push_back(nullptr);
-    auto environment = pointers(program.environment);
-    for (char** inherited = environ; *inherited; ++inherited)
-        environment.push_back(*inherited);
-    environment.push_back(nullptr);
+    std::vector<char*> words{const_cast<char*>(program.path.c_str())};
+    for (const auto* list : {&arguments, &program.arguments}) {
+        for (const auto& argument : *list)
+            words.push_back(const_cast<char*>(argument.c_str()));
+    }
+    words.push_back(nullptr);
 
     const ChildFiles files(output);
     const ChildSignals signals;
     pid_t child = 0;
-    const int error = posix_spawn(
-        &child, program.path.c_str(), &files.actions, &signals.attributes, argumentPointers.data(), environment.data());
+    const int error =
+        posix_spawn(&child, program.path.c_str(), &files.actions, &signals.attributes, words.data(), environ);
     return error == 0 ? std::optional(child) : std::nullopt;
+}
+
+bool isReadable(int file)
+{
+    pollfd waited{file, POLLIN, 0};
+    return poll(&waited, 1, 0) > 0;
 }
 
 /// Waits for the child and reaps it; false when it was killed because everything stops.
@@ -131,7 +128,7 @@ void SpawnLauncher::start(
     const auto substitute = substitutes.find(path);
     const auto program = substitute == substitutes.end() ? LaunchedProgram{path, {}} : substitute->second;
     const FileDescriptor output(memfd_create("output", MFD_CLOEXEC));
-    if (!output)
+    if (!output || isReadable(stopping.get()))
         return;
     const auto child = spawn(program, arguments, output.get());
     if (child && waitForExit(*child, stopping.get()))
@@ -141,8 +138,9 @@ void SpawnLauncher::start(
 void SpawnLauncher::run(const std::string& path)
 {
     const FileDescriptor output(::open("/dev/null", O_WRONLY | O_CLOEXEC));
-    const auto child = output ? spawn({path, {}}, {}, output.get()) : std::nullopt;
-    if (child)
+    if (!output || isReadable(stopping.get()))
+        return;
+    if (const auto child = spawn({path, {}}, {}, output.get()))
         waitForExit(*child, stopping.get());
 }
 

@@ -12,7 +12,7 @@ namespace orv {
 /// What is run for a path that the program asks for.
 struct LaunchedProgram {
     std::string path;
-    std::vector<std::string> environment; // "NAME=value", added to what is inherited
+    std::vector<std::string> arguments; // behind those that the program gives
 };
 
 /// Runs children with posix_spawn and waits for them on the calling thread. Standard input is /dev/null, standard

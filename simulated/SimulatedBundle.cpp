@@ -1,9 +1,14 @@
 #include "simulated/SimulatedBundle.h"
 
+#include "base/FileDescriptor.h"
+
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h> // mkdtemp, on macOS
 
 #include <algorithm>
+#include <cerrno>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -23,11 +28,16 @@ std::string containerTemplate()
 
 bool writeFile(const std::string& path, const std::string& content)
 {
-    auto* const file = std::fopen(path.c_str(), "wb");
-    if (!file)
-        return false;
-    const bool isWritten = std::fwrite(content.data(), 1, content.size(), file) == content.size();
-    return std::fclose(file) == 0 && isWritten;
+    // Not std::fopen: a child that starts meanwhile would inherit the file.
+    const FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    std::string_view unwritten = content;
+    while (file && !unwritten.empty()) {
+        const auto count = ::write(file.get(), unwritten.data(), unwritten.size());
+        if (count < 0 && errno != EINTR)
+            return false;
+        unwritten.remove_prefix(static_cast<std::size_t>(std::max(count, decltype(count){0})));
+    }
+    return bool(file);
 }
 
 } // namespace

@@ -1,14 +1,14 @@
 // Stands behind the system profiler's path: prints a Bluetooth report in the layout of that tool, about this computer
-// or about the simulated Mac of a machine file.
+// or about the simulated Mac of a machine file: system_profiler SPBluetoothDataType -json [--simulate FILE]
 
 #include "linux/bluez/BluetoothDevices.h"
 #include "simulated/MachineFile.h"
-#include "simulated/ProfilerEnvironment.h"
 #include "json/JSONWriter.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -39,8 +39,8 @@ int printHostReport()
 
 } // namespace
 
-int main()
+int main(int argumentCount, char** arguments)
 {
-    const char* path = std::getenv(profilerMachineVariable);
-    return path ? printSimulatedReport(path) : printHostReport();
+    const bool isSimulated = argumentCount > 2 && std::string_view(arguments[argumentCount - 2]) == "--simulate";
+    return isSimulated ? printSimulatedReport(arguments[argumentCount - 1]) : printHostReport();
 }

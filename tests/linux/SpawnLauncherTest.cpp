@@ -13,7 +13,7 @@ using namespace orv;
 namespace {
 
 struct Launcher : testing::Test {
-    SpawnLauncher launcher{{{"/usr/sbin/nothing", {"/bin/sh", {"ORV_ANSWER=42"}}}}};
+    SpawnLauncher launcher{{{"/usr/sbin/nothing", {"/bin/sh", {"42"}}}}};
 
     std::optional<std::string> outputOf(const std::string& script, const std::string& path = "/bin/sh")
     {
@@ -45,10 +45,10 @@ TEST_F(Launcher, GivesAllOutputOfAChildThatHasEnded)
     EXPECT_EQ(outputOf("exec >&-; sleep 0.05"), "");
 }
 
-TEST_F(Launcher, PassesTheEnvironmentOnAndAddsToIt)
+TEST_F(Launcher, PassesTheEnvironmentOnAndAddsArguments)
 {
     setenv("ORV_INHERITED", "yes", 1);
-    EXPECT_EQ(outputOf("echo $ORV_INHERITED$ORV_ANSWER", "/usr/sbin/nothing"), "yes42\n");
+    EXPECT_EQ(outputOf("echo $ORV_INHERITED$0", "/usr/sbin/nothing"), "yes42\n");
 }
 
 TEST_F(Launcher, NeverCallsBackForAChildThatCannotBeStarted)
@@ -83,4 +83,13 @@ TEST_F(Launcher, KillsWhatRunsWhenItStops)
     });
     EXPECT_EQ(outputOf("exec sleep 100"), std::nullopt);
     stopper.join();
+}
+
+TEST_F(Launcher, StartsNothingOnceStopped)
+{
+    const auto trace = testing::TempDir() + "/orv-started";
+    launcher.stop();
+    EXPECT_EQ(outputOf("touch " + trace), std::nullopt);
+    launcher.run("/bin/true");
+    EXPECT_FALSE(std::filesystem::exists(trace));
 }
