@@ -24,7 +24,7 @@ SIMULATION = "org.orv.SimulatedMac"
 PATIENCE = 60  # seconds: for a sanitized build on a busy machine
 BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
   "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig><type>session</type><listen>unix:dir={folder}</listen><auth>EXTERNAL</auth><policy context="default">
+<busconfig><type>session</type><listen>unix:tmpdir=/tmp</listen><auth>EXTERNAL</auth><policy context="default">
 <allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/></policy>{limits}</busconfig>"""
 
 
@@ -77,7 +77,7 @@ class ProcessTest(unittest.TestCase):
     helper = None
 
     def setUp(self):
-        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="orv-test-"))
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="orv test "))
         self.addCleanup(shutil.rmtree, self.folder)
         self.temporary = self.folder / "tmp"
         self.temporary.mkdir()
@@ -96,7 +96,7 @@ class ProcessTest(unittest.TestCase):
         limits = {"max_message_size": 10**9, "max_outgoing_bytes": 10**9, "max_replies_per_connection": 50_000, **limits}
         lines = (f'<limit name="{name}">{number}</limit>' for name, number in limits.items())
         configuration = self.folder / "bus.conf"
-        configuration.write_text(BUS_CONFIGURATION.format(folder=self.folder, limits="".join(lines)))
+        configuration.write_text(BUS_CONFIGURATION.format(limits="".join(lines)))
         self.start_session_bus(f"--config-file={configuration}")
 
     def tearDown(self):

@@ -58,10 +58,11 @@ class ProfilerTest(ProcessTest):
         found = self.folder / "found"
         self.start_with_profiler(f"""
             found=$(readlink /proc/self/fd/0; grep SigBlk /proc/self/status; ls /proc/self/fd | tr '\\n' ' ')
-            echo "$* $found" > {found}.new; mv {found}.new {found}""")
+            echo "$* $found" > '{found}.new'; mv '{found}.new' '{found}'""")
         self.until(found.exists)
         lines = found.read_text().split()
-        self.assertEqual(lines, ["SPBluetoothDataType", "-json", "/dev/null", "SigBlk:", "0" * 16, *"0123"])
+        self.assertEqual(lines, ["SPBluetoothDataType", "-json", "--simulate", *str(self.folder / "machine.json").split(), "/dev/null", "SigBlk:",
+                                 "0" * 16, *"0123"])
 
     def test_reading_is_what_the_child_has_printed_when_it_ends(self):
         good, bad = json.dumps(report(70)), json.dumps(report(70))[:-20]

@@ -122,7 +122,7 @@ class FaultTest(ProcessTest):
         self.addCleanup(listener.close)
         listener.bind(f"{self.folder}/silent")
         listener.listen()
-        self.environment["DBUS_SESSION_BUS_ADDRESS"] = f"unix:path={self.folder}/silent"
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = f"unix:path={self.folder}/silent".replace(" ", "%20")
         simulation = ("--simulate", self.machine_file(mac()))
         commands = (HELPER,), (HELPER, *simulation)
         started = time.monotonic()

@@ -62,7 +62,7 @@ class PackageTest(ProcessTest):
     def activate_from_root(self):
         """Starts a bus that starts services from the root only."""
         service = self.root / f"usr/share/dbus-1/services/{NAME}.service"
-        service.write_text(service.read_text().replace("Exec=/", f"Exec={self.root}/"))
+        service.write_text(re.sub("^Exec=(/.*)", rf'Exec="{self.root}\1"', service.read_text(), flags=re.MULTILINE))
         self.environment |= {"XDG_DATA_DIRS": str(self.root / "usr/share"), "XDG_DATA_HOME": str(self.folder / "data"),
                              "DBUS_SYSTEM_BUS_ADDRESS": "unix:path=/nonexistent", "ORV_ROOT": str(self.folder / "mac")}
         bus = self.start("dbus-daemon", "--session", "--nofork", "--print-address", stdout=subprocess.PIPE,
@@ -104,7 +104,7 @@ class PackageTest(ProcessTest):
     def test_unit_is_hardened(self):
         unit = self.root / "usr/lib/systemd/user/orv-smc-helper.service"
         run("systemd-analyze", "security", "--offline=true", "--threshold=40", "--no-pager", unit)
-        unit.write_text(unit.read_text().replace("ExecStart=/", f"ExecStart={self.root}/"))
+        unit.write_text(re.sub("^ExecStart=(/.*)", rf'ExecStart="{self.root}\1"', unit.read_text(), flags=re.MULTILINE))
         self.assertEqual(run("systemd-analyze", "verify", "--man=no", unit).stderr, "")
 
     def drop_ins(self, data_home, unshare):
@@ -143,7 +143,7 @@ class PackageTest(ProcessTest):
         script = self.root / "usr/share/bash-completion/completions/orvctl"
         for words, expected in (("orvctl ''", "thermal bluetooth --help --version"), ("orvctl th", "thermal"),
                                 ("orvctl thermal --j", "--json")):
-            done = run("bash", "-c", f"source {script}; COMP_WORDS=({words}); COMP_CWORD=$((${{#COMP_WORDS[@]}} - 1)); "
+            done = run("bash", "-c", f"source '{script}'; COMP_WORDS=({words}); COMP_CWORD=$((${{#COMP_WORDS[@]}} - 1)); "
                        "_orvctl; echo ${COMPREPLY[@]}")
             self.assertEqual((done.stdout.strip(), done.stderr), (expected, ""))
 
