@@ -1,9 +1,12 @@
 #pragma once
 
+#include "orvctl/views/Terminal.h"
+
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
 #include <optional>
+#include <sstream>
 
 namespace orv {
 
@@ -15,8 +18,11 @@ inline std::optional<int> parseCommandLine(CLI::App& application, int argumentCo
         application.parse(argumentCount, arguments);
         return std::nullopt;
     } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() == 0)
-            return application.exit(error);
+        if (error.get_exit_code() == 0) {
+            std::ostringstream text;
+            application.exit(error, text);
+            return print(text.str());
+        }
         std::fprintf(stderr, "%s: %s\n", application.get_name().c_str(), error.what());
         return 2;
     }

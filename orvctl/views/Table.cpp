@@ -1,5 +1,6 @@
 #include "orvctl/views/Table.h"
 
+#include "orvctl/views/ColumnWidth.h"
 #include "readings/Text.h"
 #include "json/JSONWriter.h"
 
@@ -39,8 +40,8 @@ std::string printable(std::string_view text)
     std::string result;
     while (!text.empty()) {
         const auto [character, length] = decodeCharacter(text);
-        const bool isControl = !character || *character < 0x20 || (*character >= 0x7F && *character < 0xA0);
-        result += isControl ? std::string_view("?") : text.substr(0, length);
+        const bool isPrinted = character && columnsOf(*character);
+        result += isPrinted ? text.substr(0, length) : std::string_view("?");
         text.remove_prefix(length);
     }
     return result;
@@ -48,21 +49,22 @@ std::string printable(std::string_view text)
 
 std::string cutTo(std::size_t width, std::string_view text)
 {
-    if (characterCount(text) <= width)
+    if (columnCount(text) <= width)
         return std::string(text);
-    std::string result;
-    for (std::size_t count = 1; count < width; ++count) {
-        const auto length = decodeCharacter(text).length;
-        result += text.substr(0, length);
-        text.remove_prefix(length);
+    std::size_t bytes = 0;
+    for (std::size_t columns = 0;;) {
+        const auto length = decodeCharacter(text.substr(bytes)).length;
+        columns += columnCount(text.substr(bytes, length));
+        if (columns >= width) // the last one is the ellipsis's
+            return std::string(text.substr(0, bytes)) + "…";
+        bytes += length;
     }
-    return result + "…";
 }
 
 std::string padded(std::size_t width, std::string_view text)
 {
     auto result = cutTo(width, text);
-    result.append(width - characterCount(result), ' ');
+    result.append(width - columnCount(result), ' ');
     return result;
 }
 

@@ -2,8 +2,10 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 namespace orv {
 
@@ -17,7 +19,7 @@ Colour terminalColour()
 int print(const std::string& text)
 {
     const bool isWritten = std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
-    return isWritten ? 0 : 1;
+    return isWritten ? 0 : complain(std::string("cannot write: ") + std::strerror(errno), 1);
 }
 
 int complain(const std::string& reason, int status)

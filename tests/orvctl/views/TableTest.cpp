@@ -1,11 +1,13 @@
 #include "orvctl/views/Table.h"
 
-#include "readings/Text.h"
+#include "orvctl/views/ColumnWidth.h"
 #include "json/JSONReader.h"
 
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <utility>
+#include <vector>
 
 using namespace orv;
 
@@ -63,7 +65,27 @@ TEST(Tables, FitInEightyColumnsAndMoveNoCursor)
             Colour::off);
     std::istringstream lines(tables);
     for (std::string line; std::getline(lines, line);) {
-        EXPECT_LE(characterCount(line), 80u) << line;
+        EXPECT_LE(columnCount(line), 80u) << line;
         EXPECT_EQ(line.find('\x1b'), std::string::npos);
     }
+}
+
+TEST(Tables, CountColumnsAsATerminalDoes)
+{
+    for (const auto& [text, columns] : std::vector<std::pair<std::string, std::size_t>>{{"e\u0301", 1}, {"\u00e9", 1},
+             {"\u6e29\u5ea6", 4}, {"\uff21", 2}, {"\U0001f5a5", 1}, {"\U0001f600", 2}, {"\u0e01\u0e33", 2}}) {
+        EXPECT_EQ(columnCount(text), columns) << text;
+        const auto device = text + std::string(34 - columns, 'x');
+        const auto table = bluetoothTable(reply("{\"" + device + R"(": {"batteryLevel": 7}})"), Colour::off);
+        EXPECT_NE(table.find("  " + device + std::string(37, ' ') + "7 %"), std::string::npos) << table;
+    }
+    std::string wide = "x"; // so that one of them would begin in the last column and end behind it
+    for (int count = 0; count < 60; ++count)
+        wide += "\u6e29";
+    std::istringstream lines(
+        bluetoothTable(reply("{\"" + wide + "\": {\"" + wide + R"(": ")" + wide + "\"}}"), Colour::off)
+        + thermalTable(
+            reply(R"({"T": {"title": ")" + wide + R"(", "type": "temperature", "value": 40.0}})"), Colour::off));
+    for (std::string line; std::getline(lines, line);)
+        EXPECT_LE(columnCount(line), 80u) << line;
 }
