@@ -115,7 +115,10 @@ struct CommandLine {
 
 int printed(const char* text)
 {
-    return std::fputs(text, stdout) >= 0 && std::fflush(stdout) == 0 ? 0 : 1;
+    if (std::fputs(text, stdout) >= 0 && std::fflush(stdout) == 0)
+        return 0;
+    std::perror("orv-smc-helper: cannot write");
+    return 1;
 }
 
 // By getopt, which the C library has anyway: a library for command lines would take a third of this program's memory.

@@ -99,6 +99,8 @@ std::optional<Value> readBusValue(sd_bus_message* message)
         return readBasic<double>(message, type);
     case 'x':
         return readBasic<std::int64_t>(message, type);
+    case 'i':
+        return readBasic<std::int32_t, std::int64_t>(message, type);
     case 't':
         return readBasic<std::uint64_t>(message, type);
     case 'y':

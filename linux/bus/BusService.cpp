@@ -1,5 +1,6 @@
 #include "linux/bus/BusService.h"
 
+#include "linux/bus/BusFault.h"
 #include "linux/bus/BusMessageSink.h"
 #include "linux/bus/BusNames.h"
 #include "linux/bus/SimulationInterface.h"
@@ -156,7 +157,7 @@ void BusService::publish()
 void BusService::lose(int error)
 {
     if (connecting)
-        fail("no session bus", error);
+        fail(noSessionBus(error), 0);
     else
         fail("the session bus went away", 0);
 }

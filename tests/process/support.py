@@ -24,7 +24,8 @@ SIMULATION = "org.orv.SimulatedMac"
 PATIENCE = 60  # seconds: for a sanitized build on a busy machine
 BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
   "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig><type>session</type><listen>unix:tmpdir=/tmp</listen><auth>EXTERNAL</auth><policy context="default">
+<busconfig><type>session</type><listen>unix:tmpdir=/tmp</listen><auth>EXTERNAL</auth><servicedir>{folder}</servicedir>
+<policy context="default">
 <allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/></policy>{limits}</busconfig>"""
 
 
@@ -85,19 +86,19 @@ class ProcessTest(unittest.TestCase):
         self.environment.pop("NO_COLOR", None)
         self.start_session_bus("--session")
 
-    def start_session_bus(self, configuration):
+    def start_session_bus(self, *options):
         """From here on programs find this one."""
-        self.bus = self.start("dbus-daemon", configuration, "--nofork", "--print-address",
+        self.bus = self.start("dbus-daemon", *options, "--nofork", "--print-address",
                               stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = self.bus.stdout.readline().strip()
 
-    def start_limited_bus(self, **limits):
-        """A bus with other limits than the session's, which are next to none."""
+    def start_limited_bus(self, *options, **limits):
+        """A bus with other limits than the session's, which are next to none, and with the services of our folder."""
         limits = {"max_message_size": 10**9, "max_outgoing_bytes": 10**9, "max_replies_per_connection": 50_000, **limits}
         lines = (f'<limit name="{name}">{number}</limit>' for name, number in limits.items())
         configuration = self.folder / "bus.conf"
-        configuration.write_text(BUS_CONFIGURATION.format(limits="".join(lines)))
-        self.start_session_bus(f"--config-file={configuration}")
+        configuration.write_text(BUS_CONFIGURATION.format(folder=self.folder, limits="".join(lines)))
+        self.start_session_bus(f"--config-file={configuration}", *options)
 
     def tearDown(self):
         # Also where a sanitizer's complaint shows.

@@ -124,7 +124,7 @@ class FaultTest(ProcessTest):
         listener.listen()
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = f"unix:path={self.folder}/silent".replace(" ", "%20")
         simulation = ("--simulate", self.machine_file(mac()))
-        commands = (HELPER,), (HELPER, *simulation)
+        commands = (HELPER,), (HELPER, *simulation), (BIN / "orvctl", "thermal")
         started = time.monotonic()
         waiting = [self.start(*command, stderr=subprocess.PIPE) for command in commands]
         self.launch_helper(HELPER, *simulation)

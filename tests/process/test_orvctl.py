@@ -3,9 +3,11 @@
 import json
 import os
 import pty
+import subprocess
+import time
 import unittest
 
-from support import BIN, MACHINES, ProcessTest, mac, needs_a_terminal, report
+from support import BIN, HELPER, MACHINES, NAME, PATIENCE, ProcessTest, mac, needs_a_terminal, report
 
 ESCAPE = "\x1b"
 
@@ -69,6 +71,48 @@ class OrvctlTest(ProcessTest):
         self.refusal(1, BIN / "orvctl", "thermal")
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent"
         self.refusal(1, BIN / "orvctl", "bluetooth")
+
+    def test_what_cannot_be_written_is_said(self):
+        for arguments in ("thermal", "--simulate", self.machine_file(mac())), ("--help",), ("--version",):
+            with open("/dev/full", "w") as full, self.subTest(arguments=arguments):
+                done = subprocess.run([BIN / "orvctl", *arguments], stdout=full, stderr=subprocess.PIPE, text=True,
+                                      timeout=PATIENCE)
+                self.assertEqual((done.returncode, done.stderr), (1, "orvctl: cannot write: No space left on device\n"))
+
+    def refused_start(self, line, *options):
+        """What is said of a service that cannot be started."""
+        (self.folder / f"{NAME}.service").write_text(f"[D-BUS Service]\nName={NAME}\n{line}\n")
+        self.start_limited_bus(*options)
+        if options:
+            self.start_systemd()
+        started = time.monotonic()
+        text = self.refusal(1, BIN / "orvctl", "thermal")
+        self.assertLess(time.monotonic() - started, 5)  # two seconds where nobody else is at work
+        return text
+
+    def start_systemd(self):
+        path, mock = "/org/freedesktop/systemd1/unit/orv_2dsmc_2dhelper_2eservice", "org.freedesktop.DBus.Mock"
+        self.start("/usr/bin/python3", "-m", "dbusmock", "org.freedesktop.systemd1", path,
+                   "org.freedesktop.systemd1.Service", stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.run_program("gdbus", "wait", "--session", f"--timeout={PATIENCE}", "org.freedesktop.systemd1")
+        for interface, *properties in (("Unit", "2", "ActiveState", "s", "failed", "SubState", "s", "failed"),
+                                       ("Service", "2", "Result", "s", "exit-code", "ExecMainStatus", "i", "217")):
+            done = self.run_program("busctl", "--user", "call", "org.freedesktop.systemd1", path, mock, "AddProperties",
+                                    "sa{sv}", f"org.freedesktop.systemd1.{interface}", *properties)
+            self.assertEqual(done.stderr, "")
+
+    def test_service_that_cannot_be_started_is_explained_soon(self):
+        self.assertIn("exited with status 1", self.refused_start("Exec=/bin/false"))
+        line = self.refused_start("Exec=/bin/false\nSystemdService=orv-smc-helper.service", "--systemd-activation")
+        self.assertIn("orv-smc-helper.service failed (exit-code, status 217/USER)", line)
+        self.assertIn("journalctl --user -u orv-smc-helper", line)
+        self.assertIn("no-user-namespaces.conf", line)
+
+    def test_session_without_a_bus_is_explained(self):
+        for name in "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR":
+            self.environment.pop(name, None)
+        for command in (BIN / "orvctl", "thermal"), (HELPER,):
+            self.assertIn("neither DBUS_SESSION_BUS_ADDRESS nor XDG_RUNTIME_DIR is set", self.refusal(1, *command))
 
 
 if __name__ == "__main__":
