@@ -1,7 +1,9 @@
-// A refresh of the machine that the program runs on: through the driver's files, against one pread each and against
-// libsensors, and through its key_at_index attributes, against the same three calls a key.
+// A refresh of the machine that the program runs on: through the driver's files, against the same entries made by hand
+// and beside libsensors, and through its key_at_index attributes, against the same three calls a key.
 
 #include "bench/support/CatalogueMac.h"
+#include "bench/support/DriverFiles.h"
+#include "bench/support/EntriesByHand.h"
 #include "linux/drivers/HostHardware.h"
 #include "simulated/MachineFile.h"
 #include "smc/FourCharCode.h"
@@ -37,75 +39,6 @@ extern "C" int statfs(const char*, struct statfs* information) noexcept
 
 namespace {
 
-constexpr const char* driverFolder = "/sys/devices/platform/applesmc.768";
-
-std::vector<std::string> measuredKeys()
-{
-    std::string fault;
-    const auto machine = *parseMachine(CatalogueMac{}.text(), fault);
-    std::vector<std::string> keys;
-    for (const auto& row : *machine.smc)
-        keys.push_back(fourCharString(row.key));
-    return keys;
-}
-
-void write(const std::string& path, const std::string& text)
-{
-    if (auto* const file = std::fopen(path.c_str(), "w")) {
-        std::fputs(text.c_str(), file);
-        std::fclose(file);
-    }
-}
-
-/// A folder with the driver's files, which goes when the program ends.
-class DriverFiles {
-public:
-    DriverFiles()
-    {
-        const auto folder = root + driverFolder + '/';
-        std::filesystem::create_directories(folder);
-        int temperatures = 0;
-        for (const auto& key : measuredKeys()) {
-            if (!key.starts_with('T'))
-                continue;
-            const auto stem = folder + "temp" + std::to_string(++temperatures);
-            write(stem + "_label", key + '\n');
-            add(stem + "_input", "47500\n");
-        }
-        for (const std::string fan : {"1", "2", "3"}) {
-            for (const char* ending : {"_input", "_min", "_max"})
-                add(folder + "fan" + fan + ending, "1200\n");
-        }
-        write(folder + "name", "applesmc\n");
-        addToClass(folder);
-    }
-    DriverFiles(const DriverFiles&) = delete;
-    DriverFiles& operator=(const DriverFiles&) = delete;
-    ~DriverFiles() { std::filesystem::remove_all(root); }
-
-    const std::string root = "/tmp/orv-bench-host-" + std::to_string(getpid());
-    std::vector<std::string> values; // the paths of what a refresh reads
-
-private:
-    // As the kernel lists a driver whose attributes are those of its device.
-    void addToClass(const std::string& folder)
-    {
-        using namespace std::filesystem;
-        create_directories(folder + "hwmon/hwmon0");
-        create_directories(root + "/sys/bus/platform");
-        create_directories(root + "/sys/class/hwmon");
-        create_symlink("../../../bus/platform", folder + "subsystem");
-        create_symlink("../../../applesmc.768", folder + "hwmon/hwmon0/device");
-        create_symlink("../../devices/platform/applesmc.768/hwmon/hwmon0", root + "/sys/class/hwmon/hwmon0");
-    }
-
-    void add(const std::string& path, const std::string& text)
-    {
-        write(path, text);
-        values.push_back(path);
-    }
-};
-
 void refreshThroughFiles(benchmark::State& state)
 {
     const DriverFiles files;
@@ -119,20 +52,13 @@ void refreshThroughFiles(benchmark::State& state)
     state.counters["entries"] = static_cast<double>(entries);
 }
 
-void preadOfFiles(benchmark::State& state)
+void entriesByHand(benchmark::State& state)
 {
     const DriverFiles files;
-    std::vector<int> descriptors;
-    for (const auto& path : files.values)
-        descriptors.push_back(open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    char text[32];
-    for (auto _ : state) {
-        for (const int descriptor : descriptors)
-            benchmark::DoNotOptimize(pread(descriptor, text, sizeof(text), 0));
-    }
-    state.counters["values"] = static_cast<double>(descriptors.size());
-    for (const int descriptor : descriptors)
-        close(descriptor);
+    const EntriesByHand byHand(files);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(byHand.collect());
+    state.counters["entries"] = static_cast<double>(byHand.collect().size());
 }
 
 /// Makes a folder the root of the file system for as long as it lives, since libsensors knows no other /sys. Whoever
@@ -228,9 +154,9 @@ private:
 void addKeys(FakeDriver& driver)
 {
     std::vector<FakeDriver::Key> keys;
-    for (const auto& name : measuredKeys())
+    for (const auto& name : CatalogueMac{}.keys())
         keys.push_back({name, name.starts_with('T') ? "sp78" : "fpe2", std::string("\x2f\x80", 2)});
-    driver.addApplesmc(driverFolder, std::move(keys));
+    driver.addApplesmc(DriverFiles::folder, std::move(keys));
 }
 
 void refreshThroughIndex(benchmark::State& state)
@@ -252,7 +178,7 @@ void threeCallsAKey(benchmark::State& state)
 {
     CalledDriver driver;
     addKeys(driver.driver);
-    const std::string path = std::string(driverFolder) + "/key_at_index";
+    const std::string path = std::string(DriverFiles::folder) + "/key_at_index";
     const auto index = driver.open(path, SMCAttributes::Access::readingAndWriting);
     const auto data = driver.open(path + "_data", SMCAttributes::Access::reading);
     const auto name = driver.open(path + "_name", SMCAttributes::Access::reading);
@@ -269,7 +195,7 @@ void threeCallsAKey(benchmark::State& state)
 }
 
 BENCHMARK(refreshThroughFiles)->Unit(benchmark::kMicrosecond);
-BENCHMARK(preadOfFiles)->Unit(benchmark::kMicrosecond);
+BENCHMARK(entriesByHand)->Unit(benchmark::kMicrosecond);
 BENCHMARK(libsensorsOnFiles)->Unit(benchmark::kMicrosecond);
 BENCHMARK(refreshThroughIndex)->Unit(benchmark::kMicrosecond);
 BENCHMARK(threeCallsAKey)->Unit(benchmark::kMicrosecond);

@@ -1,8 +1,13 @@
 // usage: bench-instructions NAME
 // Does one piece of work, between whose first and last instruction valgrind counts (scripts/bench instructions).
 
+#include "bench/support/DriverFiles.h"
+#include "bench/support/EntriesByHand.h"
 #include "bench/support/SampleReport.h"
 #include "bluetooth/SystemProfilerReport.h"
+#include "linux/drivers/HostHardware.h"
+#include "smc/SMC.h"
+#include "thermal/Collection.h"
 
 #include <nlohmann/json.hpp>
 
@@ -24,7 +29,7 @@ namespace {
 
 void countTwice(const std::function<void()>& work)
 {
-    work(); // the first time is not like the others: pages and lazily bound names
+    work(); // the first time is not like the others: pages, and names that are bound when they are needed
     counted(work);
 }
 
@@ -40,16 +45,41 @@ void documentOfReport()
     countTwice([&] { const auto document = nlohmann::json::parse(text); });
 }
 
+void refreshThroughFiles()
+{
+    const DriverFiles files;
+    SysfsAttributes attributes;
+    HostHardware hardware(files.root, attributes);
+    setHardware(hardware);
+    SMC smc;
+    countTwice([&] { Orv_SMCHelper::collectIntel(smc); });
+}
+
+void entriesByHand()
+{
+    const DriverFiles files;
+    const EntriesByHand byHand(files);
+    countTwice([&] { byHand.collect(); });
+}
+
+constexpr struct {
+    std::string_view name;
+    void (*count)();
+} works[] = {
+    {"reportReader", reportReader},
+    {"documentOfReport", documentOfReport},
+    {"refreshThroughFiles", refreshThroughFiles},
+    {"entriesByHand", entriesByHand},
+};
+
 } // namespace
 
 int main(int argumentCount, char** arguments)
 {
-    const std::string_view name = argumentCount == 2 ? arguments[1] : "";
-    if (name == "reportReader")
-        reportReader();
-    else if (name == "documentOfReport")
-        documentOfReport();
-    else
-        return std::fputs("usage: bench-instructions NAME\n", stderr), 2;
-    return 0;
+    const std::string_view wanted = argumentCount == 2 ? arguments[1] : "";
+    for (const auto& [name, count] : works) {
+        if (name == wanted)
+            return count(), 0;
+    }
+    return std::fputs("usage: bench-instructions NAME\n", stderr), 2;
 }

@@ -4,6 +4,6 @@ run_packages=(dbus dbus-daemon)
 test_packages=(clang-format-19 googletest python3 libglib2.0-bin systemd python3-dbusmock procps dpkg-dev file man-db
   util-linux)
 clang_packages=(clang-19 libc++-19-dev libc++abi-19-dev libclang-rt-19-dev) # of the presets libcxx, asan and tsan
-bench_packages=(libbenchmark-dev libsensors-dev python3 util-linux)
+bench_packages=(libbenchmark-dev libsensors-dev python3 systemd util-linux valgrind)
 fuzz_packages=(clang-19 libclang-rt-19-dev)
 check_packages=(clang-tidy-19 valgrind locales)

@@ -37,7 +37,7 @@ BELOW = {
     "tests/support": ["linux/bus", "linux/drivers"],
     "tests/macos": ["tests/json"],
     "tests/service": ["service", "json", "tests/support"],
-    "bench/support": ["json", "thermal"],
+    "bench/support": ["simulated", "thermal"],
     "bench": ["bench/support", "tests/support"],
     "fuzz/support": ["tests/support"],
     "fuzz": ["fuzz/support", "linux"],

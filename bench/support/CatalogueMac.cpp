@@ -1,6 +1,8 @@
 #include "bench/support/CatalogueMac.h"
 
+#include "simulated/MachineFile.h"
 #include "smc/Fans.h"
+#include "smc/FourCharCode.h"
 #include "thermal/Orv_SMCProfileKeys.h"
 #include "json/JSONWriter.h"
 
@@ -68,6 +70,16 @@ std::string CatalogueMac::text() const
         {{"hw.model", std::string("iMac18,3")}, {"machdep.cpu.brand_string", std::string("Intel(R) Core(TM) i5")}});
     const Dictionary machine({{"sysctl", systemValues}, {"exchangeDelay", exchangeDelay}, {"smc", std::move(rows)}});
     return writeJSON(machine, KeyOrder::asListed);
+}
+
+std::vector<std::string> CatalogueMac::keys() const
+{
+    std::string fault;
+    const auto machine = *parseMachine(text(), fault);
+    std::vector<std::string> keys;
+    for (const auto& row : *machine.smc)
+        keys.push_back(fourCharString(row.key));
+    return keys;
 }
 
 } // namespace orv

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 namespace orv {
 
@@ -15,6 +16,8 @@ struct CatalogueMac {
 
     /// The text of its machine file.
     std::string text() const;
+    /// Its keys, in their order.
+    std::vector<std::string> keys() const;
 };
 
 } // namespace orv
