@@ -17,6 +17,7 @@
 #include <linux/magic.h>
 #include <sched.h>
 #include <sensors/sensors.h>
+#include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/vfs.h>
 #include <unistd.h>
@@ -144,6 +145,10 @@ public:
         benchmark::DoNotOptimize(pwrite(scratch.get(), text.data(), text.size(), 0));
         return driver.write(descriptor, text);
     }
+
+    bool lock(int) override { return flock(scratch.get(), LOCK_EX | LOCK_NB) == 0; }
+    void unlock(int) override { flock(scratch.get(), LOCK_UN); }
+    void pause() override { }
 
     FakeDriver driver;
 

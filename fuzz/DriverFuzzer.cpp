@@ -56,6 +56,10 @@ public:
         return static_cast<ssize_t>(text.size());
     }
 
+    bool lock(int) override { return errno = EWOULDBLOCK, answers.byte() % 4 != 0; }
+    void unlock(int) override { }
+    void pause() override { }
+
 private:
     Answers& answers;
     std::map<int, std::string> paths;
@@ -79,6 +83,7 @@ public:
         return outcome;
     }
     SMCOutcome keyAtIndex(std::uint32_t index, std::uint32_t& key) override { return host.keyAtIndex(index, key); }
+    void closeSMC() override { host.closeSMC(); }
     std::optional<std::string> systemValue(const std::string& name) override { return host.systemValue(name); }
 
 private:

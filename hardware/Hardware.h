@@ -1,5 +1,7 @@
 #pragma once
 
+#include "smc/SMCParamBlock.h"
+
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -14,6 +16,7 @@ struct SMCOutcome {
 
     static constexpr SMCOutcome failed() { return {.status = static_cast<int>(0xe00002bc)}; } // kIOReturnError
     static constexpr SMCOutcome noDevice() { return {.status = static_cast<int>(0xe00002c0)}; } // kIOReturnNoDevice
+    static constexpr SMCOutcome lost() { return {.status = kSMCReadingLost}; }
     static constexpr SMCOutcome unknownKey() { return {.result = 0x84}; }
 };
 
@@ -29,6 +32,7 @@ public:
     struct KeyInfo {
         std::uint32_t dataSize = 0;
         std::uint32_t dataType = 0; // a four-character code
+        bool operator==(const KeyInfo&) const = default;
     };
     virtual SMCOutcome keyInfo(std::uint32_t key, KeyInfo& info) = 0;
 
@@ -36,6 +40,9 @@ public:
     virtual SMCOutcome readBytes(std::uint32_t key, Bytes& bytes) = 0;
 
     virtual SMCOutcome keyAtIndex(std::uint32_t index, std::uint32_t& key) = 0;
+
+    /// The end of a refresh.
+    virtual void closeSMC() { }
 
     /// The bytes of a system value, a text's with the terminating NUL; nothing for a name it does not know.
     virtual std::optional<std::string> systemValue(const std::string& name) = 0;

@@ -151,6 +151,7 @@ extern "C" kern_return_t IOServiceClose(io_connect_t connect)
     if (!state().is(connect, Kind::connection))
         return sendInvalidDestination;
     state().objects.erase(connect);
+    currentHardware().closeSMC();
     return KERN_SUCCESS;
 }
 

@@ -32,10 +32,14 @@ ThermalDictionary readFans(SMC& smc, const std::vector<std::string_view>& fanKey
         auto actualKey = fanKey(index, actualSpeed);
         if (std::ranges::find(fanKeys, actualKey) == fanKeys.end())
             continue;
+        const auto lostBefore = smc.lostReadings;
         FanEntry fan{.title = fanTitle(index)};
         fan.minvalue = roundedSpeed(smc, fanKey(index, minimumSpeed));
         fan.maxvalue = roundedSpeed(smc, fanKey(index, maximumSpeed));
         fan.value = roundedSpeed(smc, actualKey);
+        // What another program cost us says nothing of the fan: not even that a speed cannot be read.
+        if (smc.lostReadings != lostBefore)
+            continue;
         fans.insert_or_assign(std::move(actualKey), std::move(fan));
     }
     return fans;

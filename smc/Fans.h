@@ -21,7 +21,7 @@ inline constexpr std::string_view maximumSpeed = "Mx";
 std::string fanKey(std::int64_t index, std::string_view speed);
 
 /// The fans whose actual-speed keys ("F0Ac" to "FEAc") are among `fanKeys`, under those keys. An unreadable speed
-/// counts as 0. The SMC must be open.
+/// counts as 0; a fan with a speed that was lost to another program is left out. The SMC must be open.
 ThermalDictionary readFans(SMC& smc, const std::vector<std::string_view>& fanKeys);
 
 /// "Left Side", "Right Side", then "Fan 2", "Fan 3", …; a single fan is "Left Side" too.

@@ -103,8 +103,10 @@ kern_return_t SMC::read(SMCVal& val)
 
     input.keyInfo.dataSize = val.dataSize;
     input.data8 = kSMCReadBytes;
-    if (const auto status = exchange(conn, input, output); status != KERN_SUCCESS)
+    if (const auto status = exchange(conn, input, output); status != KERN_SUCCESS) {
+        lostReadings += status == kSMCReadingLost;
         return status;
+    }
     std::copy_n(output.bytes, std::min<std::size_t>(val.dataSize, val.bytes.size()), val.bytes.begin());
     return KERN_SUCCESS;
 }

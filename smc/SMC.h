@@ -4,6 +4,7 @@
 
 #include <IOKit/IOKitLib.h>
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,6 +17,8 @@ class SMC {
 public:
     io_connect_t conn = 0; // 0 until the first successful open; close leaves it
     std::optional<std::vector<std::string>> keysList; // kept once it was asked for, also when empty
+
+    std::size_t lostReadings = 0; // how often `read` has ended with kSMCReadingLost
 
     virtual ~SMC() = default;
 

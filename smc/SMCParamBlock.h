@@ -15,6 +15,10 @@ inline constexpr std::uint8_t kSMCReadBytes = 5; // input keyInfo.dataSize must 
 inline constexpr std::uint8_t kSMCGetKeyFromIndex = 8; // input data32 is the index, output key the name
 inline constexpr std::uint8_t kSMCGetKeyInfo = 9; // output keyInfo.dataSize and keyInfo.dataType
 
+/// What an exchange ends with whose answer was lost to another program that uses the SMC. macOS never answers so: the
+/// code is one of those that are left to vendors.
+inline constexpr int kSMCReadingLost = static_cast<int>(0xe3ff8001);
+
 struct SMCVersion {
     std::uint8_t major;
     std::uint8_t minor;

@@ -42,7 +42,7 @@ SMCOutcome AppleSMCDriver::keyInfo(std::uint32_t key, Hardware::KeyInfo& info)
 {
     lookFirst();
     if (!source)
-        return SMCOutcome::failed();
+        return SMCOutcome::lost();
     if (key == keyCountKey) {
         info = {.dataSize = 4, .dataType = fourCharCode("ui32")};
         return {};
@@ -58,7 +58,7 @@ SMCOutcome AppleSMCDriver::readBytes(std::uint32_t key, Hardware::Bytes& bytes)
 {
     lookFirst();
     if (!source)
-        return SMCOutcome::failed();
+        return SMCOutcome::lost();
     if (key == keyCountKey) {
         const auto count = source->keys().size();
         for (std::size_t index = 0; index < 4; ++index)
@@ -71,10 +71,11 @@ SMCOutcome AppleSMCDriver::readBytes(std::uint32_t key, Hardware::Bytes& bytes)
     const auto outcome = source->readBytes(*found, bytes);
     if (outcome.status != SMCOutcome::noDevice().status)
         return outcome;
-    // Unloaded, and perhaps loaded again with its files at another place.
+    // Unloaded, and perhaps loaded again with its files at another place. That the driver is gone says no more of a fan
+    // than a program that was in our way.
     look();
     const auto foundAnew = source ? position(key) : std::nullopt;
-    return foundAnew ? source->readBytes(*foundAnew, bytes) : outcome;
+    return foundAnew ? source->readBytes(*foundAnew, bytes) : SMCOutcome::lost();
 }
 
 SMCOutcome AppleSMCDriver::keyAtIndex(std::uint32_t index, std::uint32_t& key)
@@ -89,6 +90,12 @@ SMCOutcome AppleSMCDriver::keyAtIndex(std::uint32_t index, std::uint32_t& key)
         return SMCOutcome::failed();
     key = keys[index].name;
     return {};
+}
+
+void AppleSMCDriver::closeSMC()
+{
+    if (source)
+        source->endTurn();
 }
 
 std::unique_ptr<SMCKeySource> AppleSMCDriver::findSource() const

@@ -27,6 +27,7 @@ public:
     SMCOutcome keyInfo(std::uint32_t key, Hardware::KeyInfo& info);
     SMCOutcome readBytes(std::uint32_t key, Hardware::Bytes& bytes);
     SMCOutcome keyAtIndex(std::uint32_t index, std::uint32_t& key);
+    void closeSMC();
 
 private:
     std::unique_ptr<SMCKeySource> findSource() const;

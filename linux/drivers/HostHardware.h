@@ -19,6 +19,7 @@ public:
     SMCOutcome keyInfo(std::uint32_t key, KeyInfo& info) override { return driver.keyInfo(key, info); }
     SMCOutcome readBytes(std::uint32_t key, Bytes& bytes) override { return driver.readBytes(key, bytes); }
     SMCOutcome keyAtIndex(std::uint32_t index, std::uint32_t& key) override { return driver.keyAtIndex(index, key); }
+    void closeSMC() override { driver.closeSMC(); }
     std::optional<std::string> systemValue(const std::string& name) override;
 
 private:

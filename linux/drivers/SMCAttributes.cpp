@@ -1,6 +1,8 @@
 #include "linux/drivers/SMCAttributes.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -29,6 +31,22 @@ ssize_t SysfsAttributes::write(int descriptor, std::string_view text)
     return ::pwrite(descriptor, text.data(), text.size(), 0);
 }
 
+bool SysfsAttributes::lock(int descriptor)
+{
+    return ::flock(descriptor, LOCK_EX | LOCK_NB) == 0;
+}
+
+void SysfsAttributes::unlock(int descriptor)
+{
+    ::flock(descriptor, LOCK_UN);
+}
+
+void SysfsAttributes::pause()
+{
+    constexpr timespec fiveMilliseconds{.tv_sec = 0, .tv_nsec = 5'000'000};
+    ::nanosleep(&fiveMilliseconds, nullptr);
+}
+
 KeptAttribute::KeptAttribute(
     SMCAttributes& driverCalls, std::string attributePath, SMCAttributes::Access attributeAccess)
     : calls(&driverCalls)
@@ -52,6 +70,17 @@ ssize_t KeptAttribute::read(std::span<char> bytes)
 ssize_t KeptAttribute::write(std::string_view text)
 {
     return perform([&](int opened) { return calls->write(opened, text); });
+}
+
+bool KeptAttribute::lock()
+{
+    return open() && calls->lock(descriptor.get());
+}
+
+void KeptAttribute::unlock()
+{
+    if (descriptor)
+        calls->unlock(descriptor.get());
 }
 
 // The descriptor of a driver that went away answers ENODEV for good, also after the driver came back.

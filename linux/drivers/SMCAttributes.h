@@ -23,6 +23,12 @@ public:
     /// Asks the driver afresh, from the start of the attribute.
     virtual ssize_t read(int descriptor, std::span<char> bytes) = 0;
     virtual ssize_t write(int descriptor, std::string_view text) = 0;
+
+    /// Takes the advisory lock of what is open; does not wait. EWOULDBLOCK when another program has it.
+    virtual bool lock(int descriptor) = 0;
+    virtual void unlock(int descriptor) = 0;
+    /// Lets other programs go on for some milliseconds.
+    virtual void pause() = 0;
 };
 
 /// The attributes in sysfs.
@@ -32,6 +38,9 @@ public:
     bool exists(const std::string& path) override;
     ssize_t read(int descriptor, std::span<char> bytes) override;
     ssize_t write(int descriptor, std::string_view text) override;
+    bool lock(int descriptor) override;
+    void unlock(int descriptor) override;
+    void pause() override;
 };
 
 /// One attribute whose descriptor, once opened, stays open. It is opened again when its driver went away and came back.
@@ -45,6 +54,9 @@ public:
     /// The number of bytes, or -1; then errno is ENODEV when its driver is not there.
     ssize_t read(std::span<char> bytes);
     ssize_t write(std::string_view text);
+    /// Whether it is locked now, for this descriptor alone; a failure is that of SMCAttributes::lock.
+    bool lock();
+    void unlock();
 
 private:
     template <typename Call> ssize_t perform(Call call);

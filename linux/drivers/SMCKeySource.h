@@ -12,6 +12,7 @@ namespace orv {
 struct SMCKey {
     std::uint32_t name = 0; // a four-character code; 0 when it could not be found out
     Hardware::KeyInfo info;
+    bool operator==(const SMCKey&) const = default;
 };
 
 /// A way to the SMC's keys through the attributes of a driver.
@@ -25,6 +26,8 @@ public:
     virtual bool isComplete() const = 0;
     /// The value of the key at a position in `keys`; `noDevice` when the driver is not there any more.
     virtual SMCOutcome readBytes(std::size_t position, Hardware::Bytes& bytes) = 0;
+    /// Called after the last reading of a refresh.
+    virtual void endTurn() { }
 };
 
 } // namespace orv

@@ -31,6 +31,22 @@ TEST(Fans, AreCalledByTheirSideOrNumber)
     EXPECT_EQ(Orv_SMCHelper::fanTitle(2), "Fan 2");
 }
 
+TEST(Fans, WithASpeedThatWasLostToAnotherProgramAreLeftOut)
+{
+    for (const std::string lost : {"F0Ac", "F0Mn", "F0Mx"}) {
+        TestMac mac(intelText(R"({"key": "F0Ac", "type": "fpe2", "bytes": "1f3e"},
+            {"key": "F1Ac", "type": "fpe2", "bytes": "12c0"}, {"key": "F1Mn", "type": "fpe2", "bytes": "12c0"})"));
+        mac.smc.open();
+        mac.hardware.keyWithFailingBytes = lost;
+        mac.hardware.failure = SMCOutcome::lost();
+        const auto fans = Orv_SMCHelper::readFans(mac.smc, {"F0Ac", "F1Ac"});
+        EXPECT_EQ(fans, (ThermalDictionary{{"F1Ac", FanEntry{"Right Side", 1200, 1200, 0}}})) << lost;
+        // In that refresh alone; and one that is refused is 0.
+        mac.hardware.failure = SMCOutcome::failed();
+        EXPECT_EQ(Orv_SMCHelper::readFans(mac.smc, {"F0Ac", "F1Ac"}).size(), 2u) << lost;
+    }
+}
+
 TEST(Fans, AreNotAskedForWithoutKeys)
 {
     TestMac mac(intelText(R"({"key": "F0Ac", "type": "fpe2", "bytes": "1f3e"})"));

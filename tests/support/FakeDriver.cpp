@@ -65,9 +65,33 @@ bool FakeDriver::exists(const std::string& path)
     return isLoaded && next != files.end() && (next->first == path || next->first.starts_with(path + '/'));
 }
 
+bool FakeDriver::lock(int descriptor)
+{
+    announce(Call::lock);
+    if (lockHolder && *lockHolder != descriptor) {
+        errno = EWOULDBLOCK;
+        return false;
+    }
+    lockHolder = descriptor;
+    return true;
+}
+
+void FakeDriver::unlock(int descriptor)
+{
+    announce(Call::unlock);
+    if (lockHolder == descriptor)
+        lockHolder.reset();
+}
+
+void FakeDriver::pause()
+{
+    announce(Call::pause);
+}
+
 ssize_t FakeDriver::read(int descriptor, std::span<char> bytes)
 {
-    const auto& file = opened.at(descriptor);
+    const auto file = opened.at(descriptor);
+    announce(file.path.ends_with("/key_at_index") ? Call::readIndex : Call::read);
     if (file.generation != generation)
         return failed(ENODEV);
     if (file.path.ends_with("/key_at_index_data") && !keys.empty()) {
@@ -85,6 +109,7 @@ ssize_t FakeDriver::read(int descriptor, std::span<char> bytes)
 
 ssize_t FakeDriver::write(int descriptor, std::string_view text)
 {
+    announce(Call::write);
     if (opened.at(descriptor).generation != generation)
         return failed(ENODEV);
     if (keys.empty()) {
@@ -98,6 +123,12 @@ ssize_t FakeDriver::write(int descriptor, std::string_view text)
     if (afterWrite)
         afterWrite();
     return static_cast<ssize_t>(text.size());
+}
+
+void FakeDriver::announce(Call call) const
+{
+    if (beforeCall)
+        beforeCall(call);
 }
 
 std::string FakeDriver::content(const std::string& path)

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,8 @@ public:
         bool isUnreadable = false;
     };
 
+    enum class Call { readIndex, read, write, lock, unlock, pause };
+
     std::map<std::string, std::string> files; // by path
     std::map<std::string, int> refusals; // the errors that reading some of them ends with
     std::vector<std::string> looks; // what was asked for its existence
@@ -28,6 +31,8 @@ public:
     std::size_t index = 0;
     bool isWritable = true;
     std::function<void()> afterWrite; // what another process does meanwhile
+    std::function<void(Call)> beforeCall; // on an open attribute
+    std::optional<int> lockHolder; // a descriptor; -1 for a program that is none of ours
     std::vector<std::string> dataReads; // the names of the keys whose data was read
 
     /// Adds the attributes of applesmc, with these keys behind key_at_index.
@@ -40,6 +45,9 @@ public:
 
     FileDescriptor open(const std::string& path, Access access) override;
     bool exists(const std::string& path) override;
+    bool lock(int descriptor) override;
+    void unlock(int descriptor) override;
+    void pause() override;
     ssize_t read(int descriptor, std::span<char> bytes) override;
     ssize_t write(int descriptor, std::string_view text) override;
 
@@ -50,6 +58,7 @@ private:
     };
 
     std::string content(const std::string& path);
+    void announce(Call call) const;
 
     bool isLoaded = true;
     int generation = 0;

@@ -31,7 +31,7 @@ SMCOutcome RecordingHardware::readBytes(std::uint32_t key, Bytes& bytes)
 {
     exchanges.push_back("bytes " + fourCharString(key));
     if (fourCharString(key) == keyWithFailingBytes)
-        return SMCOutcome::failed();
+        return failure;
     return behind.readBytes(key, bytes);
 }
 

@@ -23,11 +23,13 @@ public:
     SMCOutcome keyInfo(std::uint32_t key, KeyInfo& info) override;
     SMCOutcome readBytes(std::uint32_t key, Bytes& bytes) override;
     SMCOutcome keyAtIndex(std::uint32_t index, std::uint32_t& key) override;
+    void closeSMC() override { behind.closeSMC(); }
     std::optional<std::string> systemValue(const std::string& name) override { return behind.systemValue(name); }
 
     bool isPresent = true;
     std::string keyWithFailingBytes;
     std::optional<std::uint32_t> failingIndex;
+    SMCOutcome failure = SMCOutcome::failed();
     std::vector<std::string> exchanges; // "info TC0P", "bytes TC0P", "index 3"
 
     std::size_t count(const std::string& beginning) const;

@@ -7,7 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <utility>
 
 namespace orv {
 
@@ -68,23 +70,72 @@ TEST_F(IndexedKeysTest, EveryKeyIsServedAtFullPrecisionInTheDriversOrder)
 TEST_F(IndexedKeysTest, ReadIsRepeatedWhenAnotherProcessMovedTheIndex)
 {
     ASSERT_TRUE(driver.hasSMC());
-    for (std::size_t disturbances = 0; disturbances <= 4; ++disturbances) {
+    EXPECT_EQ(value(driver, "TC0P"), 47.53125);
+    for (std::size_t disturbances = 1; disturbances <= 40; disturbances += 13) {
         auto left = disturbances;
         fake.dataReads.clear();
         fake.afterWrite = [&] {
             if (left > 0)
                 --left, fake.index = 2;
         };
-        EXPECT_EQ(value(driver, "TC0P"), disturbances < 4 ? std::optional(47.53125) : std::nullopt) << disturbances;
-        EXPECT_EQ(fake.dataReads.size(), std::min<std::size_t>(disturbances + 1, 4));
+        EXPECT_EQ(value(driver, "TC0P"), disturbances < 30 ? std::optional(47.53125) : std::nullopt) << disturbances;
+        EXPECT_EQ(fake.dataReads.size(), std::min<std::size_t>(disturbances + 2, 32));
+        left = 0;
+        driver.closeSMC();
     }
+    for (int refresh = 0; refresh < 12; ++refresh) {
+        EXPECT_EQ(value(driver, "TC0P"), 47.53125);
+        driver.closeSMC();
+    }
+    fake.dataReads.clear();
+    EXPECT_EQ(value(driver, "TC0P"), 47.53125);
+    EXPECT_EQ(fake.dataReads.size(), 1u) << "alone again";
+}
+
+TEST_F(IndexedKeysTest, ValueThatNoTwoReadingsAgreeOnIsLostInCompany)
+{
+    ASSERT_TRUE(driver.hasSMC());
+    fake.index = 2;
+    fake.afterWrite = [&] { fake.keys[1].bytes[1] ^= 1; };
+    SMCVal val;
+    EXPECT_EQ(driver.readBytes(fourCharCode("TC0P"), val.bytes).status, kSMCReadingLost);
+    fake.afterWrite = nullptr;
+    fake.keys[1].isUnreadable = true;
+    EXPECT_EQ(driver.readBytes(fourCharCode("TC0P"), val.bytes).status, SMCOutcome::failed().status);
+}
+
+TEST_F(IndexedKeysTest, LockThatAnotherProgramKeepsIsNotWaitedForTwice)
+{
+    fake.lockHolder = -1;
+    int pauses = 0;
+    fake.beforeCall = [&](FakeDriver::Call call) { pauses += call == FakeDriver::Call::pause; };
+    ASSERT_TRUE(driver.hasSMC());
+    EXPECT_GT(std::exchange(pauses, 0), 0);
+    for (int refresh = 0; refresh < 3; ++refresh) {
+        EXPECT_EQ(value(driver, "TC0P"), 47.53125);
+        driver.closeSMC();
+    }
+    EXPECT_EQ(pauses, 0);
+    // Free again, and held for a moment.
+    fake.lockHolder.reset();
+    EXPECT_EQ(value(driver, "TC0P"), 47.53125);
+    driver.closeSMC();
+    EXPECT_EQ(fake.lockHolder, std::nullopt);
+    fake.lockHolder = -1;
+    fake.beforeCall = [&](FakeDriver::Call call) {
+        pauses += call == FakeDriver::Call::pause;
+        if (pauses == 3)
+            fake.lockHolder.reset();
+    };
+    EXPECT_EQ(value(driver, "TC0P"), 47.53125);
+    EXPECT_EQ(pauses, 3);
 }
 
 TEST_F(IndexedKeysTest, WalkSurvivesAnotherProcess)
 {
     int writes = 0;
     fake.afterWrite = [&] {
-        if (++writes % 2 == 1)
+        if (++writes % 3 == 1)
             fake.index = 3;
     };
     EXPECT_EQ(keyNames(driver), "#KEY TC0P TC1P F0Ac MSSD ");
@@ -108,8 +159,10 @@ TEST_F(IndexedKeysTest, DriverThatComesBackIsOpenedAgain)
     fake.unload();
     EXPECT_EQ(value(driver, "TC0P"), std::nullopt);
     fake.load();
-    for (int round = 0; round < 3; ++round)
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_TRUE(driver.hasSMC());
         EXPECT_EQ(value(driver, "TC0P"), 47.53125);
+    }
     EXPECT_LE(fake.openDescriptors(), descriptors);
 }
 
@@ -117,6 +170,7 @@ TEST_F(IndexedKeysTest, KeysThatWentAwayAreAbsent)
 {
     ASSERT_TRUE(driver.hasSMC());
     fake.keys.resize(2);
+    fake.index = 0;
     EXPECT_EQ(value(driver, "TC1P"), std::nullopt);
     fake.keys[1].bytes = "\x2f";
     EXPECT_EQ(value(driver, "TC0P"), std::nullopt) << "half a value is none";
