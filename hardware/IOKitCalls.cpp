@@ -1,4 +1,5 @@
 #include "base/Fatal.h"
+#include "base/MainThread.h"
 #include "hardware/Hardware.h"
 #include "smc/SMCParamBlock.h"
 
@@ -84,6 +85,7 @@ void setHardware(Hardware& hardware)
 
 Hardware& currentHardware()
 {
+    assertMainThread();
     if (!state().hardware)
         fatalError("the hardware was asked before it was set");
     return *state().hardware;

@@ -106,11 +106,13 @@ int LoginWorkspace::loginOwnerChanged(sd_bus_message*, void* workspace, sd_bus_e
     return 0;
 }
 
+// Without memory for a match the clocks tell of a wake.
 void LoginWorkspace::addMatches(sd_bus* connection)
 {
-    sd_bus_match_signal_async(connection, nullptr, loginService, loginPath, loginManager, "PrepareForSleep",
+    (void)sd_bus_match_signal_async(connection, nullptr, loginService, loginPath, loginManager, "PrepareForSleep",
         prepareForSleepArrived, nullptr, this);
-    sd_bus_add_match_async(connection, nullptr, ownerChanges(loginService).c_str(), loginOwnerChanged, nullptr, this);
+    (void)sd_bus_add_match_async(
+        connection, nullptr, ownerChanges(loginService).c_str(), loginOwnerChanged, nullptr, this);
 }
 
 } // namespace orv

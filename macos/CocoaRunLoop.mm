@@ -1,5 +1,7 @@
 #import "macos/CocoaRunLoop.h"
 
+#include "base/MainThread.h"
+
 #import <Foundation/Foundation.h>
 #include <dispatch/dispatch.h>
 
@@ -64,6 +66,7 @@ dispatch_block_t workItem(std::function<void()> run)
 
 std::unique_ptr<Timer> CocoaRunLoop::scheduleRepeating(Seconds interval, std::function<void()> fire)
 {
+    assertMainThread();
     OrvTimerTarget* target = [[OrvTimerTarget alloc] initWithFire:std::move(fire)];
     return std::make_unique<CocoaTimer>([NSTimer scheduledTimerWithTimeInterval:interval.count()
                                                                          target:target

@@ -1,5 +1,7 @@
 #include "refresh/RefreshingSource.h"
 
+#include "base/MainThread.h"
+
 namespace orv {
 
 RefreshingSource::RefreshingSource(RunLoop& givenRunLoop, Workspace& givenWorkspace)
@@ -15,6 +17,7 @@ RefreshingSource::~RefreshingSource()
 
 void RefreshingSource::updateData()
 {
+    assertMainThread();
     if (isComputerSleeping || isUpdating)
         return;
     isUpdating = true;
@@ -29,6 +32,7 @@ void RefreshingSource::workspaceDidWakeUp()
 
 void RefreshingSource::workspaceWillSleep()
 {
+    assertMainThread();
     isComputerSleeping = true;
 }
 
@@ -43,6 +47,7 @@ void RefreshingSource::start(Seconds interval)
 
 void RefreshingSource::finishUpdate()
 {
+    assertMainThread();
     isUpdating = false;
 }
 

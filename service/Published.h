@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/ThreadSafety.h"
+
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -24,7 +26,7 @@ public:
 
 private:
     mutable std::mutex mutex;
-    std::shared_ptr<const T> current = std::make_shared<const T>();
+    std::shared_ptr<const T> current ORV_GUARDED_BY(mutex) = std::make_shared<const T>();
 };
 
 } // namespace orv

@@ -1,5 +1,7 @@
 #include "simulated/ManualRunLoop.h"
 
+#include "base/MainThread.h"
+
 #include <utility>
 
 namespace orv {
@@ -29,11 +31,13 @@ private:
 
 std::unique_ptr<Timer> ManualRunLoop::scheduleRepeating(Seconds interval, std::function<void()> fire)
 {
+    assertMainThread();
     return std::make_unique<ManualTimer>(timers, timers.scheduleRepeating(now, nanoseconds(interval), std::move(fire)));
 }
 
 void ManualRunLoop::runAfter(Seconds delay, std::function<void()> run)
 {
+    assertMainThread();
     timers.scheduleOnce(now, nanoseconds(delay), std::move(run));
 }
 
@@ -50,6 +54,7 @@ void ManualRunLoop::postToBackground(std::function<void()> run)
 
 void ManualRunLoop::advance(Seconds time)
 {
+    assertMainThread();
     const auto end = now + nanoseconds(time);
     takePosted();
     for (auto deadline = timers.nextDeadline(); deadline && *deadline <= end; deadline = timers.nextDeadline()) {

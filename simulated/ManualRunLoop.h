@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/ThreadSafety.h"
 #include "base/TimerQueue.h"
 #include "platform/RunLoop.h"
 
@@ -31,7 +32,7 @@ private:
 
     TimerQueue timers;
     std::mutex mutex;
-    std::vector<std::function<void()>> posted;
+    std::vector<std::function<void()>> posted ORV_GUARDED_BY(mutex);
 };
 
 } // namespace orv

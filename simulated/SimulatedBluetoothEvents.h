@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/MainThread.h"
 #include "platform/BluetoothEvents.h"
 
 #include <functional>
@@ -13,6 +14,7 @@ class SimulatedBluetoothEvents final : public BluetoothEvents {
 public:
     void observe(std::function<void()> onConnected, std::function<void()> onPairedChanged) override
     {
+        assertMainThread();
         connectionObservers.push_back(std::move(onConnected));
         pairingObservers.push_back(std::move(onPairedChanged));
     }
@@ -23,6 +25,7 @@ public:
 private:
     static void tell(const std::vector<std::function<void()>>& observers)
     {
+        assertMainThread();
         for (const auto& observer : observers)
             observer();
     }

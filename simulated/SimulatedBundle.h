@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/ThreadSafety.h"
 #include "bluetooth/WatchFile.h"
 #include "platform/Bundle.h"
 
@@ -28,21 +29,21 @@ public:
     void removeContainer();
 
 private:
-    bool makeContainer();
+    bool makeContainer() ORV_REQUIRES(mutex);
 
     const std::string bundleIdentifier;
     const std::optional<std::string> watchFile;
 
     // Nothing allocates while the mutex is held: when memory runs out, the container is still to be removed.
     mutable std::mutex mutex;
-    enum class State { absent, present, removed } state = State::absent;
+    enum class State { absent, present, removed } state ORV_GUARDED_BY(mutex) = State::absent;
     struct Paths {
         std::string container;
         std::string file = container + watchFileInContainer;
         std::string support = file.substr(0, file.rfind('/'));
         std::string library = support.substr(0, support.rfind('/'));
         std::string unfinished = file + ".new";
-    } paths; // their common beginning gets its final name with the container
+    } paths; // their common beginning gets its final name with the container, and stays as it is from then on
 };
 
 } // namespace orv

@@ -1,5 +1,6 @@
 #include "simulated/SimulatedMac.h"
 
+#include "base/MainThread.h"
 #include "readings/Integers.h"
 #include "smc/FourCharCode.h"
 #include "smc/SMCValueDecoding.h"
@@ -154,6 +155,7 @@ std::optional<std::string> SimulatedMac::systemValue(const std::string& name)
 
 bool SimulatedMac::forEachService(std::int32_t page, std::int32_t usage, const std::function<void(HIDService&)>& visit)
 {
+    assertMainThread();
     if (page != appleVendorPage || usage != temperatureUsage)
         return true;
     for (const auto& row : machine.hid) {
@@ -165,6 +167,7 @@ bool SimulatedMac::forEachService(std::int32_t page, std::int32_t usage, const s
 
 bool SimulatedMac::setTemperature(std::string_view key, double degrees)
 {
+    assertMainThread();
     if (!std::isfinite(degrees))
         return false;
     bool isSet = setSMCValue(key, 'T', degrees);
@@ -179,6 +182,7 @@ bool SimulatedMac::setTemperature(std::string_view key, double degrees)
 
 bool SimulatedMac::setFanSpeed(std::string_view key, double speed)
 {
+    assertMainThread();
     return std::isfinite(speed) && setSMCValue(key, 'F', speed);
 }
 

@@ -20,7 +20,7 @@ bool isTrue(const Dictionary& properties, std::string_view name)
 
 DeviceChange changedProperties(sd_bus_message* signal)
 {
-    sd_bus_message_skip(signal, "s");
+    (void)sd_bus_message_skip(signal, "s"); // else nothing can be read
     const auto properties = readBusDictionary(signal);
     return {.isConnected = isTrue(properties, "Connected"),
         .isPairingChanged = properties.findAs<bool>("Paired") != nullptr};
@@ -28,7 +28,7 @@ DeviceChange changedProperties(sd_bus_message* signal)
 
 DeviceChange addedInterfaces(sd_bus_message* signal)
 {
-    sd_bus_message_skip(signal, "o");
+    (void)sd_bus_message_skip(signal, "o"); // else nothing can be read
     const auto interfaces = readBusDictionary(signal);
     const auto* device = interfaces.findAs<Dictionary>(bluezDevice);
     return {.isConnected = interfaces.find(bluezBattery) || (device && isTrue(*device, "Connected")),
@@ -60,6 +60,7 @@ int BluezEvents::ownerChanged(sd_bus_message*, void* events, sd_bus_error*)
     return 0;
 }
 
+// Without memory for a match the two-minute refresh notices what it would have told.
 void BluezEvents::addMatches(sd_bus* connection)
 {
     constexpr const char* deviceChanges =
@@ -67,9 +68,9 @@ void BluezEvents::addMatches(sd_bus* connection)
         "arg0='org.bluez.Device1'";
     constexpr const char* objects =
         "type='signal',sender='org.bluez',interface='org.freedesktop.DBus.ObjectManager',member='InterfacesAdded'";
-    sd_bus_add_match_async(connection, nullptr, deviceChanges, propertiesChanged, nullptr, this);
-    sd_bus_add_match_async(connection, nullptr, objects, interfacesAdded, nullptr, this);
-    sd_bus_add_match_async(connection, nullptr, ownerChanges(bluezService).c_str(), ownerChanged, nullptr, this);
+    (void)sd_bus_add_match_async(connection, nullptr, deviceChanges, propertiesChanged, nullptr, this);
+    (void)sd_bus_add_match_async(connection, nullptr, objects, interfacesAdded, nullptr, this);
+    (void)sd_bus_add_match_async(connection, nullptr, ownerChanges(bluezService).c_str(), ownerChanged, nullptr, this);
 }
 
 void BluezEvents::tell(const DeviceChange& change) const

@@ -16,12 +16,13 @@ constexpr int mostWaitingCalls = 1000;
 using Call = std::shared_ptr<sd_bus_message>;
 using Change = std::function<bool(SimulatedPlatform&)>;
 
+// Whoever cannot be answered any more is gone.
 void answer(const Call& call, bool isDone)
 {
     if (isDone)
-        sd_bus_reply_method_return(call.get(), nullptr);
+        (void)sd_bus_reply_method_return(call.get(), nullptr);
     else
-        sd_bus_reply_method_errorf(
+        (void)sd_bus_reply_method_errorf(
             call.get(), SD_BUS_ERROR_INVALID_ARGS, "no such sensor, or none that can hold this number");
 }
 

@@ -1,5 +1,7 @@
 #include "linux/bus/SystemBus.h"
 
+#include "base/MainThread.h"
+
 #include <utility>
 
 namespace orv {
@@ -13,6 +15,7 @@ SystemBus::SystemBus(sd_event* loopEvent)
 
 void SystemBus::watch(std::function<void(sd_bus*)> addMatches, std::function<void()> onChange)
 {
+    assertMainThread();
     watchers.push_back({std::move(addMatches), std::move(onChange)});
     if (bus && !isLost)
         watchers.back().addMatches(bus.get());
@@ -20,13 +23,15 @@ void SystemBus::watch(std::function<void(sd_bus*)> addMatches, std::function<voi
 
 void SystemBus::reconnect()
 {
+    assertMainThread();
     if (bus && !isLost)
         return;
     hasAnswered = false;
     if (!open())
         return;
-    // Asked first: nothing that a match brings comes from a bus whose end would not be told.
-    sd_bus_call_method_async(bus.get(), nullptr, "org.freedesktop.DBus", "/org/freedesktop/DBus",
+    // Asked first: nothing that a match brings comes from a bus whose end would not be told. What cannot even be asked
+    // is a bus that ends, and is tried again.
+    (void)sd_bus_call_method_async(bus.get(), nullptr, "org.freedesktop.DBus", "/org/freedesktop/DBus",
         "org.freedesktop.DBus.Peer", "Ping", answered, this, "");
     for (const auto& watcher : watchers)
         watcher.addMatches(bus.get());
@@ -49,6 +54,7 @@ bool SystemBus::open()
 
 void SystemBus::tellOfChange() const
 {
+    assertMainThread();
     for (const auto& watcher : watchers)
         watcher.onChange();
 }

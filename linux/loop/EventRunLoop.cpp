@@ -4,9 +4,9 @@
 
 #include <sys/eventfd.h>
 
+#include <cassert>
 #include <cerrno>
 #include <system_error>
-#include <thread>
 #include <utility>
 
 namespace orv {
@@ -58,12 +58,14 @@ EventRunLoop::EventRunLoop()
 
 EventRunLoop::~EventRunLoop()
 {
-    std::unique_lock lock(mutex);
-    backgroundEnded.wait(lock, [&] { return backgroundWork == 0; });
+    const std::lock_guard lock(mutex);
+    while (backgroundWork > 0)
+        backgroundEnded.wait(mutex);
 }
 
 std::unique_ptr<Timer> EventRunLoop::scheduleRepeating(Seconds interval, std::function<void()> fire)
 {
+    assertOwnThread();
     const auto identifier = timers.scheduleRepeating(timeAwake(), nanoseconds(interval), std::move(fire));
     armTimeSource();
     return std::make_unique<LoopTimer>(*this, identifier);
@@ -71,6 +73,7 @@ std::unique_ptr<Timer> EventRunLoop::scheduleRepeating(Seconds interval, std::fu
 
 void EventRunLoop::runAfter(Seconds delay, std::function<void()> run)
 {
+    assertOwnThread();
     timers.scheduleOnce(timeAwake(), nanoseconds(delay), std::move(run));
     armTimeSource();
 }
@@ -108,6 +111,7 @@ void EventRunLoop::startInBackground(std::function<void()> run)
 // No exception may cross sd-event's frames.
 int EventRunLoop::run() noexcept
 {
+    runner = std::this_thread::get_id();
     const int status = sd_event_loop(event());
     return status < 0 ? 1 : status;
 }
@@ -149,6 +153,12 @@ void EventRunLoop::endBackgroundWork()
     const std::lock_guard lock(mutex);
     --backgroundWork;
     backgroundEnded.notify_all();
+}
+
+// What is scheduled before `run` comes before the thread that calls it, or from it.
+void EventRunLoop::assertOwnThread() const
+{
+    assert(runner == std::thread::id() || runner == std::this_thread::get_id());
 }
 
 void EventRunLoop::armTimeSource()

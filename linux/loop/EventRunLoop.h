@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/FileDescriptor.h"
+#include "base/ThreadSafety.h"
 #include "base/TimerQueue.h"
 #include "linux/loop/EventHandles.h"
 #include "platform/RunLoop.h"
@@ -11,6 +12,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <thread>
 #include <vector>
 
 namespace orv {
@@ -47,17 +49,19 @@ private:
     void startInBackground(std::function<void()> run);
     void endBackgroundWork();
     void armTimeSource();
+    void assertOwnThread() const;
 
     Event loop;
     FileDescriptor wakeUp; // an eventfd
     EventSource timeSource;
     EventSource postSource;
     TimerQueue timers;
+    std::thread::id runner; // what `run` was called on
 
     std::mutex mutex;
-    std::vector<std::function<void()>> posted;
-    int backgroundWork = 0;
-    std::condition_variable backgroundEnded;
+    std::vector<std::function<void()>> posted ORV_GUARDED_BY(mutex);
+    int backgroundWork ORV_GUARDED_BY(mutex) = 0;
+    std::condition_variable_any backgroundEnded;
 };
 
 } // namespace orv
