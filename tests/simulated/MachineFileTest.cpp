@@ -34,6 +34,7 @@ TEST(MachineFile, RefusesWhatItCannotUseAndNamesTheMember)
     EXPECT_EQ(faultOf(R"("hid": [5])"), "hid[0]: not an object");
     EXPECT_EQ(faultOf(R"("hid": [{"locationID": []}])"), "hid[0].locationID: neither a number nor a text");
     EXPECT_EQ(faultOf(R"("hid": [{"temperature": "40"}])"), "hid[0].temperature: not a number");
+    EXPECT_EQ(faultOf(R"("hid": [{}, {"location": 5}])"), "hid[1].location: unknown member");
     EXPECT_EQ(faultOf(R"("description": 5)"), "description: not a text");
     EXPECT_EQ(faultOf(R"("exchangeDelay": -1)"), "exchangeDelay: not a number from 0 to 60000 (milliseconds)");
     EXPECT_EQ(rowFault("{}"), "smc[1]: has no key");

@@ -101,6 +101,7 @@ TEST(BluetoothDevicesTest, KernelsBatteriesAreThoseOfBluetoothAddresses)
     EXPECT_EQ(devices[0].percentage, 60);
     EXPECT_EQ(devices[0].name, cut.substr(0, 126) + "\ufffd");
     EXPECT_EQ(parseBluetoothReport(report({}, devices)).size(), 1u);
+    EXPECT_TRUE(devices[0].isConnected) << "else there would be no battery";
     std::filesystem::remove_all(root);
     EXPECT_TRUE(hidDevices(root).empty());
 }

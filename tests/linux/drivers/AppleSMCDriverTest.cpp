@@ -176,6 +176,19 @@ TEST_F(IndexedKeysTest, KeysThatWentAwayAreAbsent)
     EXPECT_EQ(value(driver, "TC0P"), std::nullopt) << "half a value is none";
 }
 
+TEST_F(IndexedKeysTest, MoreKeysThanAByteCountsAreAllServed)
+{
+    std::vector<FakeDriver::Key> keys;
+    for (int number = 100; number < 400; ++number)
+        keys.push_back({'T' + std::to_string(number), "ui8 ", std::string(1, static_cast<char>(number - 100))});
+    fake.addApplesmc(folder, keys);
+    AppleSMCDriver large(fake, "");
+    EXPECT_EQ(value(large, "#KEY"), 300.0);
+    EXPECT_EQ(value(large, "T355"), 255.0);
+    EXPECT_EQ(value(large, "T399"), 43.0);
+    EXPECT_EQ(keyNames(large).size(), 300u * 5);
+}
+
 TEST_F(IndexedKeysTest, AbsurdKeyCountsAreNotWalked)
 {
     for (const char* count : {"", "-1\n", "4294967295\n", "99999999999999999999\n", "many\n"}) {
