@@ -72,7 +72,8 @@ private:
     std::unique_ptr<Timer> connecting; // until the bus has accepted the connection, or will not
     std::promise<bool> connection;
     bool hasFailed = false;
-    bool connected = false;
+
+    bool connected = false; // of the main thread again
     std::thread thread;
 };
 
