@@ -12,7 +12,6 @@ namespace orv {
 
 namespace {
 
-constexpr Seconds reloadInterval{40.0};
 constexpr Seconds companionTime{5.0}; // for the companion to write its file
 constexpr std::size_t largestWatchFile = 1u << 20; // so that no transport meets its own limit
 
@@ -62,18 +61,20 @@ std::optional<std::string> OrvBluetoothAppleWatch::watchBatteryFileURL() const
     return *container + watchFileInContainer;
 }
 
-void OrvBluetoothAppleWatch::readWatchBatteryFile()
+bool OrvBluetoothAppleWatch::readWatchBatteryFile()
 {
     const auto path = watchBatteryFileURL();
     const auto bytes = path ? readFile(*path, largestWatchFile) : std::nullopt;
     const auto content = bytes ? parseJSON(*bytes) : std::nullopt;
     auto entries = content ? objectOfObjects(*content) : std::nullopt;
-    if (entries)
-        systemBlueToothDictionary = std::move(*entries);
+    if (!entries)
+        return false;
+    systemBlueToothDictionary = std::move(*entries);
+    return true;
 }
 
 OrvBluetoothAppleWatch::OrvBluetoothAppleWatch(const Platform& given)
-    : RefreshingSource(given.runLoop, given.workspace)
+    : RefreshingSource(given, Refreshed::watchFile)
     , platform(given)
 {
 }
@@ -82,14 +83,16 @@ void OrvBluetoothAppleWatch::beginUpdate()
 {
     const auto companion = companionAppURL();
     if (!companion) {
-        finishUpdate();
+        abandonUpdate();
         return;
     }
     platform.workspace.openApplication(*companion);
     // The reader is kept alive until the file was read: a cycle that has begun always ends.
     platform.runLoop.runAfter(companionTime, [reader = shared_from_this()] {
-        reader->readWatchBatteryFile();
-        reader->finishUpdate();
+        if (reader->readWatchBatteryFile())
+            reader->finishUpdate();
+        else
+            reader->abandonUpdate();
     });
 }
 

@@ -18,6 +18,8 @@ inline constexpr const char* applicationGroupIdentifier = ORV_APPLICATION_GROUP;
 class OrvBluetoothAppleWatch final : public RefreshingSource,
                                      public std::enable_shared_from_this<OrvBluetoothAppleWatch> {
 public:
+    static constexpr Seconds reloadInterval{40.0};
+
     /// The reader, with its first cycle under way.
     static std::shared_ptr<OrvBluetoothAppleWatch> create(const Platform& platform);
     static OrvBluetoothAppleWatch& shared();
@@ -29,8 +31,9 @@ public:
     std::optional<std::string> companionAppURL() const;
     /// Where the companion writes; nothing without a group container.
     std::optional<std::string> watchBatteryFileURL() const;
-    /// Takes the file's content, a JSON object of objects of at most 1 MiB; any other leaves the last one in place.
-    void readWatchBatteryFile();
+    /// Takes the file's content, a JSON object of objects of at most 1 MiB; any other leaves the last one in place and is
+    /// false.
+    bool readWatchBatteryFile();
 
 private:
     explicit OrvBluetoothAppleWatch(const Platform& platform);

@@ -7,12 +7,6 @@
 
 namespace orv {
 
-namespace {
-
-constexpr Seconds reloadInterval{120.0};
-
-} // namespace
-
 std::shared_ptr<OrvBluetoothSysProfile> OrvBluetoothSysProfile::create(const Platform& platform)
 {
     const std::shared_ptr<OrvBluetoothSysProfile> monitor(new OrvBluetoothSysProfile(platform));
@@ -38,7 +32,7 @@ void OrvBluetoothSysProfile::devicePairedDidChange()
 }
 
 OrvBluetoothSysProfile::OrvBluetoothSysProfile(const Platform& given)
-    : RefreshingSource(given.runLoop, given.workspace)
+    : RefreshingSource(given, Refreshed::bluetoothReport)
     , platform(given)
 {
 }

@@ -13,6 +13,8 @@ namespace orv {
 class OrvBluetoothSysProfile final : public RefreshingSource,
                                      public std::enable_shared_from_this<OrvBluetoothSysProfile> {
 public:
+    static constexpr Seconds reloadInterval{120.0};
+
     /// The monitor, registered for its events and with its first refresh under way.
     static std::shared_ptr<OrvBluetoothSysProfile> create(const Platform& platform);
     static OrvBluetoothSysProfile& shared();

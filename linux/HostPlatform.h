@@ -46,7 +46,7 @@ private:
     std::unique_ptr<Timer> ticks;
 
 public:
-    const Platform platform;
+    Platform platform;
 };
 
 } // namespace orv

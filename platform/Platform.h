@@ -6,6 +6,7 @@ class BluetoothEvents;
 class Bundle;
 class HIDEventSystem;
 class ProcessLauncher;
+class RefreshObserver;
 class RunLoop;
 class Workspace;
 
@@ -17,6 +18,7 @@ struct Platform {
     ProcessLauncher& processLauncher;
     Bundle& bundle;
     HIDEventSystem& hidEventSystem;
+    RefreshObserver* refreshObserver = nullptr; // optional
 };
 
 /// Sets the platform that the `shared` objects use. Once, before the first of them is asked for.

@@ -4,9 +4,11 @@
 
 namespace orv {
 
-RefreshingSource::RefreshingSource(RunLoop& givenRunLoop, Workspace& givenWorkspace)
-    : runLoop(givenRunLoop)
-    , workspace(givenWorkspace)
+RefreshingSource::RefreshingSource(const Platform& platform, Refreshed refreshed)
+    : runLoop(platform.runLoop)
+    , workspace(platform.workspace)
+    , observer(platform.refreshObserver)
+    , what(refreshed)
 {
 }
 
@@ -21,6 +23,8 @@ void RefreshingSource::updateData()
     if (isComputerSleeping || isUpdating)
         return;
     isUpdating = true;
+    if (observer)
+        observer->refreshBegan(what);
     beginUpdate();
 }
 
@@ -48,6 +52,13 @@ void RefreshingSource::start(Seconds interval)
 void RefreshingSource::finishUpdate()
 {
     assertMainThread();
+    isUpdating = false;
+    if (observer)
+        observer->refreshEnded(what);
+}
+
+void RefreshingSource::abandonUpdate()
+{
     isUpdating = false;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Platform.h"
+#include "platform/RefreshObserver.h"
 #include "platform/RunLoop.h"
 #include "platform/Workspace.h"
 
@@ -25,18 +27,22 @@ public:
     void workspaceWillSleep() final;
 
 protected:
-    RefreshingSource(RunLoop& runLoop, Workspace& workspace);
+    RefreshingSource(const Platform& platform, Refreshed what);
 
     /// Registers for sleep and wake, refreshes once and schedules the timer; does nothing more when it has a timer.
     void start(Seconds interval);
-    /// Ends the refresh that `beginUpdate` began: at once, later, or never.
+    /// Ends the refresh that `beginUpdate` began, with something new: at once, later, or never.
     void finishUpdate();
+    /// Ends it with nothing new.
+    void abandonUpdate();
 
 private:
     virtual void beginUpdate() = 0;
 
     RunLoop& runLoop;
     Workspace& workspace;
+    RefreshObserver* const observer;
+    const Refreshed what;
 };
 
 } // namespace orv

@@ -11,14 +11,8 @@
 
 namespace orv {
 
-namespace {
-
-constexpr Seconds reloadInterval{5.0};
-
-} // namespace
-
 OrvSMCHelperServer::OrvSMCHelperServer(const Platform& platform, ReadingSources readingSources)
-    : RefreshingSource(platform.runLoop, platform.workspace)
+    : RefreshingSource(platform, Refreshed::readings)
     , hidEventSystem(platform.hidEventSystem)
     , sources(std::move(readingSources))
 {

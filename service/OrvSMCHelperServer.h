@@ -26,6 +26,8 @@ struct ReadingSources {
 /// taken on any thread; everything else belongs to the main thread.
 class OrvSMCHelperServer final : public RefreshingSource {
 public:
+    static constexpr Seconds reloadInterval{5.0};
+
     /// Refreshes once before it returns.
     OrvSMCHelperServer(const Platform& platform, ReadingSources sources);
 

@@ -32,7 +32,7 @@ struct SimulatedPlatform {
     SimulatedWorkspace workspace;
     SimulatedBluetoothEvents bluetoothEvents;
     SimulatedBundle bundle;
-    const Platform platform;
+    Platform platform;
 };
 
 } // namespace orv

@@ -14,7 +14,7 @@ namespace {
 class CountedSource final : public RefreshingSource {
 public:
     CountedSource(TestMac& mac, int& counted)
-        : RefreshingSource(mac.runLoop, mac.simulation.workspace)
+        : RefreshingSource(mac.simulation.platform, Refreshed::readings)
         , updates(counted)
     {
     }

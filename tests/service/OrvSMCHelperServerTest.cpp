@@ -2,6 +2,7 @@
 
 #include "bluetooth/OrvBluetoothAppleWatch.h"
 #include "bluetooth/OrvBluetoothSysProfile.h"
+#include "platform/RefreshObserver.h"
 #include "service/Request.h"
 #include "service/ValueSink.h"
 #include "tests/support/TestMac.h"
@@ -126,6 +127,30 @@ TEST(Server, ReplacesOldReadingsByNothingWhenTheSMCGoesAway)
     mac.hardware.isPresent = false;
     mac.runLoop.advance(Seconds(5));
     EXPECT_TRUE(test.server.smcData.take()->empty());
+}
+
+TEST(Server, TellsOfARefreshWhenItsReadingsCanBeTaken)
+{
+    struct Observer final : RefreshObserver {
+        void refreshBegan(Refreshed) override { seen.push_back(degrees()); }
+        void refreshEnded(Refreshed what) override
+        {
+            if (what == Refreshed::readings)
+                seen.push_back(degrees());
+        }
+        std::function<double()> degrees = [] { return 0.0; };
+        std::vector<double> seen;
+    } observer;
+    TestMac mac(watchedMac);
+    mac.simulation.platform.refreshObserver = &observer;
+    const TestServer test(mac);
+    EXPECT_EQ(observer.seen.size(), 4u); // the other two began inside the first refresh
+    observer.seen.clear();
+    observer.degrees = [&] { return test.degrees(); };
+    mac.runLoop.advance(Seconds(4.999));
+    EXPECT_TRUE(observer.seen.empty());
+    mac.runLoop.advance(Seconds(0.001));
+    EXPECT_EQ(observer.seen, (std::vector<double>{40, 41}));
 }
 
 TEST(Published, IsTakenWholeWhileItIsReplaced)
