@@ -5,7 +5,6 @@ Every wait is bounded. The bounds are for an emulated processor of which half is
 import json
 import os
 import pathlib
-import signal
 import socket
 import subprocess
 import time
@@ -102,13 +101,13 @@ class Machine:
             time.sleep(pause)
 
     def off(self):
-        if self.qemu.poll() is None:
-            self.qemu.send_signal(signal.SIGTERM)
-            try:
-                self.qemu.wait(20)
-            except subprocess.TimeoutExpired:
-                self.qemu.kill()
-                self.qemu.wait()
+        try:
+            if self.monitor:
+                self.monitor.command("quit")
+            self.qemu.wait(20 if self.monitor else 0)
+        except (OSError, ValueError, subprocess.TimeoutExpired):  # it has ended, or does not answer
+            self.qemu.kill()
+            self.qemu.wait()
 
 
 class Monitor:
