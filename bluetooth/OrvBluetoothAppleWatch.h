@@ -31,8 +31,8 @@ public:
     std::optional<std::string> companionAppURL() const;
     /// Where the companion writes; nothing without a group container.
     std::optional<std::string> watchBatteryFileURL() const;
-    /// Takes the file's content, a JSON object of objects of at most 1 MiB; any other leaves the last one in place and is
-    /// false.
+    /// Takes the file's content, a JSON object of objects of at most 1 MiB; any other leaves the last one in place and
+    /// is false.
     bool readWatchBatteryFile();
 
 private:

@@ -2,6 +2,8 @@
 #include "thermal/tables/TableMaking.h"
 
 #include <gtest/gtest.h>
+
+#include <cstdint>
 #include <initializer_list>
 #include <string_view>
 #include <type_traits>
@@ -48,6 +50,34 @@ TEST(SensorCatalogue, RowsCarryTheirTitles)
         ASSERT_TRUE(table.contains(key)) << key;
         EXPECT_EQ(table.find(key)->name, name);
     }
+}
+
+// Too many rows to be written out twice; whoever changes one on purpose changes its table's sum.
+TEST(SensorCatalogue, NoRowChangesUnnoticed)
+{
+    std::uint32_t sum = 0;
+    const auto add = [&sum](std::string_view text) {
+        for (const char character : text) // FNV-1a
+            sum = (sum ^ static_cast<unsigned char>(character)) * 16777619u;
+    };
+    const auto sumOfSensors = [&](const SensorTable& table) {
+        sum = 2166136261u;
+        for (const SensorKeyPair& row : table.rows)
+            add(keyOf(row)), add("="), add(row.name), add("\n");
+        return sum;
+    };
+    const auto sumOfKeys = [&](const KeyList& keys) {
+        sum = 2166136261u;
+        for (const auto& key : keys.rows)
+            add(keyOf(key)), add("\n");
+        return sum;
+    };
+    EXPECT_EQ(sumOfSensors(intelSensorKeys), 97244948u);
+    EXPECT_EQ(sumOfSensors(commonSensorKeys), 1278406252u);
+    EXPECT_EQ(sumOfSensors(socSensorKeys), 4126055673u);
+    EXPECT_EQ(sumOfSensors(hidSensorNames), 4111036902u);
+    EXPECT_EQ(sumOfKeys(efficiencyCoreKeys), 2629033189u);
+    EXPECT_EQ(sumOfKeys(performanceCoreKeys), 458657989u);
 }
 
 TEST(SensorCatalogue, UpperAndLowerCaseKeysAreDistinctRows)
