@@ -2,6 +2,7 @@
 #include "linux/ProfilerProgram.h"
 #include "linux/SpawnLauncher.h"
 #include "linux/bus/BusService.h"
+#include "linux/bus/RefreshTimes.h"
 #include "linux/loop/EventRunLoop.h"
 #include "linux/loop/ProgramEnd.h"
 #include "linux/loop/ThreadStacks.h"
@@ -57,12 +58,15 @@ void dieOf(int signalNumber)
 
 /// The life of the helper, in the order in which a client may rely on it: nothing can be asked before the first
 /// refresh, which the creation of the server performs, has finished.
-int serve(EventRunLoop& runLoop, SpawnLauncher& launcher, const Platform& platform, SimulatedPlatform* simulation,
+int serve(EventRunLoop& runLoop, SpawnLauncher& launcher, Platform& platform, SimulatedPlatform* simulation,
     Termination termination)
 {
-    BusService listener(platform.bundle.identifier(), runLoop, simulation, std::move(termination));
+    RefreshTimesKeeper times;
+    BusService listener(platform.bundle.identifier(), runLoop, times, simulation, std::move(termination));
     if (!listener.isConnected())
         return 1;
+    platform.refreshObserver = &times;
+    platform.workspace.registerSleepWakeObservers(times); // first: what is told of a wake is asleep no more
     setSharedPlatform(platform);
     listener.resume(OrvSMCHelperServer::shared());
     const int status = runLoop.run();

@@ -19,7 +19,15 @@ struct BusMessageTraits {
     static void release(Handle handle) { sd_bus_message_unref(handle); }
 };
 
+/// A match, or a call that waits for its reply: nothing is called back any more once it is released.
+struct BusSlotTraits {
+    using Handle = sd_bus_slot*;
+    static constexpr Handle none = nullptr;
+    static void release(Handle handle) { sd_bus_slot_unref(handle); }
+};
+
 using BusConnection = Owned<BusTraits>;
 using BusMessage = Owned<BusMessageTraits>;
+using BusSlot = Owned<BusSlotTraits>;
 
 } // namespace orv

@@ -62,13 +62,14 @@ const sd_bus_vtable BusService::requestMethods[] = {
     SD_BUS_VTABLE_END,
 };
 
-BusService::BusService(std::string givenIdentifier, EventRunLoop& givenLoop, SimulatedPlatform* simulatedPlatform,
-    Termination givenTermination)
+BusService::BusService(std::string givenIdentifier, EventRunLoop& givenLoop, RefreshTimesKeeper& times,
+    SimulatedPlatform* simulatedPlatform, Termination givenTermination)
     : bundleIdentifier(std::move(givenIdentifier))
     , mainLoop(givenLoop)
     , simulation(simulatedPlatform)
     , termination(std::move(givenTermination))
     , simulationContext{simulatedPlatform, &givenLoop, &busLoop}
+    , sensors(times, busLoop)
 {
     auto attempt = connection.get_future();
     thread = std::thread([this] { runThread(); });
@@ -97,6 +98,7 @@ void BusService::runThread()
         lose(result);
     busLoop.run();
     busSource.detach();
+    sensors.withdraw();
     bus.reset();
 }
 
@@ -143,6 +145,8 @@ void BusService::publish()
         return;
     const auto path = objectPath(bundleIdentifier);
     int result = sd_bus_add_object_vtable(bus.get(), nullptr, path.c_str(), requestInterface, requestMethods, this);
+    if (result >= 0)
+        result = sensors.publish(bus.get(), path);
     if (result >= 0 && simulation)
         result = addSimulationInterface(bus.get(), path, simulationContext);
     if (result < 0)

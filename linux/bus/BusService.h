@@ -2,6 +2,7 @@
 
 #include "linux/bus/BusHandles.h"
 #include "linux/bus/BusSource.h"
+#include "linux/bus/SensorsInterface.h"
 #include "linux/bus/SimulationInterface.h"
 #include "linux/loop/EventRunLoop.h"
 #include "service/Request.h"
@@ -33,8 +34,8 @@ class BusService {
 public:
     /// Connects, without a name and without an object, and waits for the bus to accept that, at most ten seconds.
     /// `simulation` adds its own interface and may be nullptr. Signals are served from here on.
-    BusService(
-        std::string bundleIdentifier, EventRunLoop& mainLoop, SimulatedPlatform* simulation, Termination termination);
+    BusService(std::string bundleIdentifier, EventRunLoop& mainLoop, RefreshTimesKeeper& times,
+        SimulatedPlatform* simulation, Termination termination);
     /// Leaves the bus and ends the thread.
     ~BusService();
 
@@ -67,6 +68,7 @@ private:
 
     EventRunLoop busLoop; // from here on: of the bus thread, except for posting
     SimulationContext simulationContext;
+    SensorsInterface sensors;
     BusConnection bus;
     BusSource busSource;
     std::unique_ptr<Timer> connecting; // until the bus has accepted the connection, or will not

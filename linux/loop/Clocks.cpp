@@ -20,10 +20,15 @@ std::chrono::nanoseconds timeAwake()
     return read(CLOCK_MONOTONIC);
 }
 
+std::chrono::nanoseconds timeSinceStart()
+{
+    return read(CLOCK_BOOTTIME);
+}
+
 std::chrono::nanoseconds timeAsleep()
 {
     // In this order, time that passes between the two readings never looks like sleep.
-    const auto sinceStart = read(CLOCK_BOOTTIME);
+    const auto sinceStart = timeSinceStart();
     return sinceStart - timeAwake();
 }
 
