@@ -3,6 +3,7 @@
 #include "linux/bus/BusHandles.h"
 #include "linux/bus/BusMessageReader.h"
 #include "linux/bus/BusNames.h"
+#include "linux/bus/SensorsProperties.h"
 #include "linux/bus/UnitState.h"
 #include "service/Client.h"
 
@@ -69,6 +70,7 @@ public:
 private:
     int connect();
     int send(Request request);
+    int call(const char* interface, const char* method, const char* argument, BusMessage& answer);
     int step(Clock::time_point until);
     std::optional<UnitState> failedUnit();
     std::optional<ServiceAnswer> waitForReply();
@@ -77,6 +79,7 @@ private:
 
     const Clock::time_point deadline = Clock::now() + patience;
     BusConnection bus;
+    BusMessage times; // asked for before the reply, so that an age is never too small
     BusMessage reply;
 };
 
@@ -106,12 +109,20 @@ int ServiceCall::connect()
 
 int ServiceCall::send(Request request)
 {
-    BusMessage call;
-    const int result = sd_bus_message_new_method_call(bus.get(), call.out(), bundleIdentifier,
-        objectPath(bundleIdentifier).c_str(), requestInterface, methodOf(request));
+    const int result = call("org.freedesktop.DBus.Properties", "GetAll", sensorsInterface, times);
+    return result < 0 ? result : call(requestInterface, methodOf(request), nullptr, reply);
+}
+
+int ServiceCall::call(const char* interface, const char* method, const char* argument, BusMessage& answer)
+{
+    BusMessage message;
+    int result = sd_bus_message_new_method_call(
+        bus.get(), message.out(), bundleIdentifier, objectPath(bundleIdentifier).c_str(), interface, method);
+    if (result >= 0 && argument)
+        result = sd_bus_message_append(message.get(), "s", argument);
     if (result < 0)
         return result;
-    return sd_bus_call_async(bus.get(), nullptr, call.get(), replied, &reply, microseconds(patience));
+    return sd_bus_call_async(bus.get(), nullptr, message.get(), replied, &answer, microseconds(patience));
 }
 
 // Does what can be done on the connection, or waits for it.
@@ -163,7 +174,10 @@ ServiceAnswer ServiceCall::answer()
     }
     auto value = readBusValue(reply.get());
     const bool isReply = value && value->as<Dictionary>();
-    return isReply ? ServiceAnswer{std::move(value), {}} : failure("asked", "its reply cannot be read");
+    if (!isReply)
+        return failure("asked", "its reply cannot be read");
+    const bool isTold = times && !sd_bus_message_is_method_error(times.get(), nullptr);
+    return {std::move(value), {}, isTold ? serviceTiming(readBusDictionary(times.get())) : std::nullopt};
 }
 
 int ServiceCall::replied(sd_bus_message* message, void* reply, sd_bus_error*)

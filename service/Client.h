@@ -1,6 +1,7 @@
 #pragma once
 
 #include "readings/Value.h"
+#include "service/Freshness.h"
 #include "service/Request.h"
 
 #include <optional>
@@ -8,10 +9,18 @@
 
 namespace orv {
 
+/// How old what the service answers is by now. What was never found has no age.
+struct ServiceTiming {
+    Timing readings;
+    std::optional<Timing> bluetoothReport;
+    std::optional<Timing> watchFile;
+};
+
 /// What became of a request.
 struct ServiceAnswer {
     std::optional<Value> reply;
     std::string error; // one line, when there is no reply
+    std::optional<ServiceTiming> timing = std::nullopt; // absent where a reply has no time
 };
 
 /// Asks the running service, and waits for it no longer than 10 seconds.

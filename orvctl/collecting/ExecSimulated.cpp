@@ -1,4 +1,5 @@
 #include "orvctl/collecting/SimulatedClient.h"
+#include "orvctl/collecting/SimulatedWatch.h"
 
 #include <crt_externs.h>
 #include <mach-o/dyld.h>
@@ -26,15 +27,27 @@ std::filesystem::path ownFile()
     return std::filesystem::canonical(path.c_str(), error);
 }
 
-} // namespace
-
 // This program is linked with the calls of the Mac it runs on. The one that is linked with the simulated ones takes
 // its place, with the same arguments, and normally never comes back from there.
-ServiceAnswer askSimulatedMac(Request, const std::string&)
+std::string runSimulated()
 {
     const auto program = ownFile().parent_path().parent_path() / "libexec/orv/orvctl-simulated";
     execv(program.c_str(), *_NSGetArgv());
-    return {std::nullopt, program.string() + ": " + std::strerror(errno)};
+    return program.string() + ": " + std::strerror(errno);
 }
+
+} // namespace
+
+ServiceAnswer askSimulatedMac(Request, const std::string&)
+{
+    return {std::nullopt, runSimulated()};
+}
+
+std::string watchSimulatedMac(const std::string&, ServiceWatcher&, int)
+{
+    return runSimulated();
+}
+
+void cleanAfterSimulatedMac() { }
 
 } // namespace orv

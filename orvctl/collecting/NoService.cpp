@@ -1,11 +1,23 @@
 #include "service/Client.h"
+#include "service/Watching.h"
 
 namespace orv {
+
+namespace {
+
+constexpr const char* refusal = "only a machine file can be asked here (--simulate FILE)";
+
+} // namespace
 
 // The program that is linked with the simulated calls knows no service: orvctl itself asks that.
 ServiceAnswer askService(Request)
 {
-    return {std::nullopt, "only a machine file can be asked here (--simulate FILE)"};
+    return {std::nullopt, refusal};
+}
+
+std::string watchService(ServiceWatcher&, int)
+{
+    return refusal;
 }
 
 } // namespace orv

@@ -1,5 +1,6 @@
 #include "orvctl/commands/Commands.h"
 #include "orvctl/commands/ShowReply.h"
+#include "orvctl/views/Age.h"
 #include "orvctl/views/Table.h"
 
 namespace orv {
@@ -7,7 +8,7 @@ namespace orv {
 void addBluetooth(CLI::App& application, Run& run)
 {
     auto* command = application.add_subcommand("bluetooth", "Battery levels of Bluetooth devices and watches");
-    addReplyOptions(*command, run, Request::bluetooth, bluetoothTable);
+    addReplyOptions(*command, run, Request::bluetooth, {bluetoothTable, bluetoothAge});
 }
 
 } // namespace orv

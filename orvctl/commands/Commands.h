@@ -15,8 +15,9 @@ using AddCommand = void (*)(CLI::App& application, Run& run);
 
 void addThermal(CLI::App& application, Run& run);
 void addBluetooth(CLI::App& application, Run& run);
+void addWatch(CLI::App& application, Run& run);
 
 /// In the order in which --help lists them.
-inline constexpr std::array allCommands{addThermal, addBluetooth};
+inline constexpr std::array allCommands{addThermal, addBluetooth, addWatch};
 
 } // namespace orv

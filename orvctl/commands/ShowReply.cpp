@@ -15,7 +15,7 @@ struct Options {
     std::optional<std::string> machinePath;
 };
 
-int show(Request request, ReplyTable table, const Options& options)
+int show(Request request, const ReplyView& view, const Options& options)
 {
     const auto answer = options.machinePath ? askSimulatedMac(request, *options.machinePath) : askService(request);
     if (!answer.reply)
@@ -23,18 +23,19 @@ int show(Request request, ReplyTable table, const Options& options)
     if (options.json)
         return print(writeJSON(*answer.reply, KeyOrder::sorted) + '\n');
     const auto* readings = answer.reply->as<Dictionary>();
-    return print(table(readings ? *readings : Dictionary(), terminalColour()));
+    const auto table = view.table(readings ? *readings : Dictionary(), terminalColour());
+    return print(table + (answer.timing ? view.age(*answer.timing) : ""));
 }
 
 } // namespace
 
-void addReplyOptions(CLI::App& command, Run& run, Request request, ReplyTable table)
+void addReplyOptions(CLI::App& command, Run& run, Request request, ReplyView view)
 {
     const auto options = std::make_shared<Options>();
     command.add_flag("--json", options->json, "Print the reply exactly, as JSON");
     command.add_option("--simulate", options->machinePath, "Collect from a machine file, without any service")
         ->type_name("FILE");
-    command.callback([=, &run] { run = [=] { return show(request, table, *options); }; });
+    command.callback([=, &run] { run = [=] { return show(request, view, *options); }; });
 }
 
 } // namespace orv

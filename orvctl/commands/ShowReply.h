@@ -8,9 +8,12 @@
 
 namespace orv {
 
-using ReplyTable = std::string (*)(const Dictionary& reply, Colour colour);
+struct ReplyView {
+    std::string (*table)(const Dictionary& reply, Colour colour);
+    std::string (*age)(const ServiceTiming& timing); // what is said below a table of old readings
+};
 
 /// Gives a command that shows one reply its options: as a table or as JSON, of the service or of a machine file.
-void addReplyOptions(CLI::App& command, Run& run, Request request, ReplyTable table);
+void addReplyOptions(CLI::App& command, Run& run, Request request, ReplyView view);
 
 } // namespace orv

@@ -1,13 +1,14 @@
 #include "orvctl/views/Table.h"
 
 #include "orvctl/views/ColumnWidth.h"
+#include "orvctl/views/LevelNames.h"
+#include "orvctl/views/Printable.h"
 #include "readings/Text.h"
 #include "json/JSONWriter.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <iterator>
 #include <string_view>
@@ -21,31 +22,6 @@ namespace {
 constexpr std::size_t tableWidth = 80;
 constexpr std::size_t titleWidth = 34;
 constexpr std::size_t deviceWidth = 34;
-
-struct LevelColumn {
-    std::string_view key;
-    std::string_view heading;
-};
-
-constexpr std::array<LevelColumn, 4> levelColumns{{
-    {"batteryLevelLeft", "Left"},
-    {"batteryLevelRight", "Right"},
-    {"batteryLevelCase", "Case"},
-    {"batteryLevel", "Main"},
-}};
-
-// Names come from devices and files: whatever would move the cursor is shown as a question mark.
-std::string printable(std::string_view text)
-{
-    std::string result;
-    while (!text.empty()) {
-        const auto [character, length] = decodeCharacter(text);
-        const bool isPrinted = character && columnsOf(*character);
-        result += isPrinted ? text.substr(0, length) : std::string_view("?");
-        text.remove_prefix(length);
-    }
-    return result;
-}
 
 std::string cutTo(std::size_t width, std::string_view text)
 {
@@ -122,13 +98,13 @@ std::string fanRow(const Reading& reading)
 bool isLevel(const Member& levelOrOther)
 {
     return levelOrOther.value.as<std::int64_t>()
-        && std::ranges::find(levelColumns, levelOrOther.key, &LevelColumn::key) != levelColumns.end();
+        && std::ranges::find(levelNames, levelOrOther.key, &LevelName::key) != levelNames.end();
 }
 
 std::string deviceRow(const Member& device)
 {
     auto text = "  " + padded(deviceWidth, printable(device.key));
-    for (const auto& column : levelColumns) {
+    for (const auto& column : levelNames) {
         const auto* level = device.value.as<Dictionary>()->find(column.key);
         text += level ? fmt::format("{:>8} %", *level->as<std::int64_t>()) : std::string(10, ' ');
     }
@@ -138,7 +114,7 @@ std::string deviceRow(const Member& device)
 std::string deviceHeading()
 {
     auto text = padded(deviceWidth + 2, "Devices");
-    for (const auto& column : levelColumns)
+    for (const auto& column : levelNames)
         text += fmt::format("{:>10}", column.heading);
     return text;
 }

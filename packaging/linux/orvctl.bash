@@ -10,7 +10,11 @@ _orvctl()
         return
     fi
     if ((COMP_CWORD == 1)); then
-        words="thermal bluetooth --help --version"
+        words="thermal bluetooth watch --help --version"
+    elif [[ $previous == --format ]]; then
+        words="table jsonl csv waybar i3bar"
+    elif [[ ${COMP_WORDS[1]} == watch ]]; then
+        words="--format --only --simulate --help"
     else
         words="--json --simulate --help"
     fi

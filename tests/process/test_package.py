@@ -24,10 +24,10 @@ def files_in(folder):
     return {f"/{path.relative_to(folder)}" for path in folder.rglob("*") if not path.is_dir()}
 
 
-def methods_of(document):
-    interface, = (each for each in xml.etree.ElementTree.fromstring(document) if each.get("name") == REQUESTS)
-    return {method.get("name"): [dict(argument.attrib) for argument in method.findall("arg")]
-            for method in interface.findall("method")}
+def members_of(document, name):
+    interface, = (each for each in xml.etree.ElementTree.fromstring(document) if each.get("name") == name)
+    return {member.get("name"): (member.tag, member.get("type"), [dict(part.attrib) for part in member])
+            for member in interface}
 
 
 class PackageTest(ProcessTest):
@@ -78,9 +78,10 @@ class PackageTest(ProcessTest):
         done = self.run_program(self.root / "usr/bin/orvctl", "thermal", "--json")
         self.assertEqual((done.returncode, done.stderr), (0, ""))
         self.assertEqual(json.loads(done.stdout)["TC0P"]["value"], 47.5)
-        description = (self.root / f"usr/share/dbus-1/interfaces/{REQUESTS}.xml").read_text()
         live = self.run_program("gdbus", "introspect", "--session", "--xml", "--dest", NAME, "--object-path", PATH)
-        self.assertEqual(methods_of(description), methods_of(live.stdout))
+        for interface in REQUESTS, "org.orv.Sensors1":
+            description = (self.root / f"usr/share/dbus-1/interfaces/{interface}.xml").read_text()
+            self.assertEqual(members_of(description, interface), members_of(live.stdout, interface))
 
     def test_removal_leaves_nothing(self):
         self.assertIn("/usr/libexec/orv/system_profiler", self.installed())
@@ -141,7 +142,7 @@ class PackageTest(ProcessTest):
 
     def test_shell_completes_commands_and_options(self):
         script = self.root / "usr/share/bash-completion/completions/orvctl"
-        for words, expected in (("orvctl ''", "thermal bluetooth --help --version"), ("orvctl th", "thermal"),
+        for words, expected in (("orvctl ''", "thermal bluetooth watch --help --version"), ("orvctl th", "thermal"),
                                 ("orvctl thermal --j", "--json")):
             done = run("bash", "-c", f"source '{script}'; COMP_WORDS=({words}); COMP_CWORD=$((${{#COMP_WORDS[@]}} - 1)); "
                        "_orvctl; echo ${COMPREPLY[@]}")

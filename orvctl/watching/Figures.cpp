@@ -1,0 +1,90 @@
+#include "orvctl/watching/Figures.h"
+
+#include "orvctl/views/LevelNames.h"
+#include "orvctl/views/Printable.h"
+#include "json/JSONWriter.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <iterator>
+
+namespace orv {
+
+namespace {
+
+std::string_view text(const Dictionary& entry, std::string_view member)
+{
+    const auto* found = entry.findAs<std::string>(member);
+    return found ? std::string_view(*found) : std::string_view();
+}
+
+void addFigure(std::vector<Figure>& figures, std::string_view key, std::string_view title, std::string_view unit,
+    const Value& value)
+{
+    double number = 0;
+    if (const auto* real = value.as<double>())
+        number = *real;
+    else if (const auto* integer = value.as<std::int64_t>())
+        number = static_cast<double>(*integer);
+    else
+        return;
+    if (std::isnan(number))
+        return;
+    const auto exact = std::isfinite(number) ? writeJSON(value, KeyOrder::asListed) : number > 0 ? "inf" : "-inf";
+    figures.push_back({printable(key), printable(title), unit, number, exact});
+}
+
+void addThermal(std::vector<Figure>& figures, const Member& sensor, std::string_view type, std::string_view unit)
+{
+    const auto* entry = sensor.value.as<Dictionary>();
+    const auto* value = entry && text(*entry, "type") == type ? entry->find("value") : nullptr;
+    if (value)
+        addFigure(figures, sensor.key, text(*entry, "title"), unit, *value);
+}
+
+void addLevels(std::vector<Figure>& figures, const Member& device)
+{
+    const auto* entry = device.value.as<Dictionary>();
+    for (const auto& level : levelNames) {
+        if (const auto* value = entry ? entry->find(level.key) : nullptr)
+            addFigure(figures, device.key, level.heading, "percent", *value);
+    }
+}
+
+std::vector<Figure> allFigures(const Moment& moment)
+{
+    std::vector<Figure> figures;
+    for (const auto& sensor : moment.thermal)
+        addThermal(figures, sensor, "temperature", "celsius");
+    for (const auto& fan : moment.thermal)
+        addThermal(figures, fan, "fans", "rpm");
+    for (const auto& device : moment.bluetooth)
+        addLevels(figures, device);
+    return figures;
+}
+
+} // namespace
+
+std::vector<Figure> figuresOf(const Moment& moment)
+{
+    auto figures = allFigures(moment);
+    const auto rank = [&](const Figure& figure) {
+        return std::ranges::find_if(moment.chosen, [&](const auto& name) { return isNamed(figure, name); });
+    };
+    std::ranges::stable_sort(figures, {}, rank);
+    return figures;
+}
+
+bool isNamed(const Member& entry, std::string_view name)
+{
+    const auto* members = entry.value.as<Dictionary>();
+    return entry.key == name || (members && !name.empty() && text(*members, "title") == name);
+}
+
+bool isNamed(const Figure& figure, std::string_view name)
+{
+    return figure.key == name || (figure.unit != "percent" && !name.empty() && figure.title == name);
+}
+
+} // namespace orv
