@@ -17,14 +17,14 @@ def wake_ups(bench):
     minutes = bench.options.minutes
     with bench.simulated() as (service, _):
         time.sleep(START_UP)
-        tasks = list(pathlib.Path(f"/proc/{service.pid}/task").iterdir())
-        before = [switches(task) for task in tasks]
+        threads = len(tasks_of(service))
+        before = switches_of(service)
         time.sleep(60 * minutes)
-        woken = sum(switches(task) - earlier for task, earlier in zip(tasks, before))
+        woken = switches_of(service) - before
     # Two minutes of waiting may hold one tick more than two minutes of ticks.
     children = (60 * minutes + START_UP) // PROFILER_INTERVAL
     rate = (woken - 3 * children) / minutes
-    return [Row(f"idle wake-ups a minute over {minutes:g} minutes, {len(tasks)} threads",
+    return [Row(f"idle wake-ups a minute over {minutes:g} minutes, {threads} threads",
                 f"one a refresh; beside them 3 for each of {children:g} children", f"{woken} in all",
                 f"{60 / SOFTWARE_INTERVAL:g}", round(rate, 2), 12.5, unit="a minute")]
 
@@ -65,9 +65,14 @@ def with_own_libraries(bench, environment, program):
     return {**environment, "LD_LIBRARY_PATH": str(folder)}
 
 
-def switches(task):
-    return next(int(line.split()[1]) for line in (task / "status").read_text().splitlines()
-                if line.startswith("voluntary_ctxt_switches"))
+def tasks_of(process):
+    return list(pathlib.Path(f"/proc/{process.pid}/task").iterdir())
+
+
+def switches_of(process):
+    """How often its threads have begun to wait."""
+    lines = [line for task in tasks_of(process) for line in (task / "status").read_text().splitlines()]
+    return sum(int(line.split()[1]) for line in lines if line.startswith("voluntary_ctxt_switches"))
 
 
 def memory_of(process):

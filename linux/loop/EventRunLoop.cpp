@@ -80,9 +80,11 @@ void EventRunLoop::runAfter(Seconds delay, std::function<void()> run)
 
 void EventRunLoop::post(std::function<void()> run)
 {
-    const std::lock_guard lock(mutex);
-    posted.push_back(std::move(run));
-    eventfd_write(wakeUp.get(), 1);
+    {
+        const std::lock_guard lock(mutex);
+        posted.push_back(std::move(run));
+    }
+    eventfd_write(wakeUp.get(), 1); // with the lock held, who is woken would have to wait for that next
 }
 
 void EventRunLoop::postToBackground(std::function<void()> run)
