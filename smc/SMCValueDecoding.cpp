@@ -91,24 +91,29 @@ float littleEndianFloat(const SMCVal& val)
     return std::bit_cast<float>(bits);
 }
 
-std::optional<double> number(const SMCVal& val, SMCNumberForm form)
+constexpr DecodedValue fault(SMCValueFault reason)
+{
+    return {.fault = reason};
+}
+
+DecodedValue number(const SMCVal& val, SMCNumberForm form)
 {
     switch (form) {
     case none:
-        return std::nullopt;
+        return fault(SMCValueFault::noNumber);
     case unsigned8:
-        return val.bytes[0];
+        return {static_cast<double>(val.bytes[0])};
     case unsigned16:
-        return bigEndian(val, 2);
+        return {static_cast<double>(bigEndian(val, 2))};
     case unsigned32:
-        return bigEndian(val, 4);
+        return {static_cast<double>(bigEndian(val, 4))};
     case float32:
-        return static_cast<double>(littleEndianFloat(val));
+        return {static_cast<double>(littleEndianFloat(val))};
     case signed16:
         break;
     }
     const auto integer = static_cast<std::int16_t>(bigEndian(val, 2));
-    return integer < 0 ? std::nullopt : std::optional<double>(integer);
+    return integer < 0 ? fault(SMCValueFault::negative) : DecodedValue{static_cast<double>(integer)};
 }
 
 } // namespace
@@ -122,17 +127,24 @@ const SMCValueFormat* smcValueFormat(std::string_view code)
     return found == codes.end() ? nullptr : &smcValueFormats[static_cast<std::size_t>(found - codes.begin())];
 }
 
-std::optional<double> decodeValue(const SMCVal& val)
+DecodedValue decode(const SMCVal& val)
 {
     if (val.dataSize == 0)
-        return std::nullopt;
+        return fault(SMCValueFault::empty);
     const auto* format = smcValueFormat(val.dataType);
-    if (!format || (format->requiredSize != 0 && format->requiredSize != val.dataSize))
-        return std::nullopt;
-    const auto integer = number(val, format->form);
-    if (!integer)
-        return std::nullopt;
-    return *integer / static_cast<double>(1u << format->fractionBits);
+    if (!format)
+        return fault(SMCValueFault::noNumber);
+    if (format->requiredSize != 0 && format->requiredSize != val.dataSize)
+        return fault(SMCValueFault::wrongSize);
+    auto decoded = number(val, format->form);
+    decoded.number /= static_cast<double>(1u << format->fractionBits);
+    return decoded;
+}
+
+std::optional<double> decodeValue(const SMCVal& val)
+{
+    const auto decoded = decode(val);
+    return decoded.fault == SMCValueFault::none ? std::optional(decoded.number) : std::nullopt;
 }
 
 } // namespace orv

@@ -68,8 +68,24 @@ extern const std::array<SMCValueFormat, 31> smcValueFormats;
 /// The row of a four-character type code; nullptr when it is none of ours.
 const SMCValueFormat* smcValueFormat(std::string_view code);
 
-/// The value as a number, neither rounded nor clamped; nothing for a type without numbers, a size that does not fit
-/// the type, or a negative signed fixed-point reading.
+/// Why a value is no number: the first of these that holds.
+enum class SMCValueFault : std::uint8_t {
+    none,
+    empty, // a size of 0
+    noNumber, // a type that is not ours, or holds no number
+    wrongSize, // not the one that the type requires
+    negative, // a signed fixed-point number below zero
+};
+
+struct DecodedValue {
+    double number = 0; // neither rounded nor clamped; means nothing when there is a fault
+    SMCValueFault fault = SMCValueFault::none;
+};
+
+/// The value as a number, or why it is none.
+DecodedValue decode(const SMCVal& val);
+
+/// The value as a number; nothing when it is none.
 std::optional<double> decodeValue(const SMCVal& val);
 
 } // namespace orv
