@@ -155,7 +155,7 @@ void SimulatedMac::addKeyCount()
 {
     keyCount.row.key = keyCountKey;
     keyCount.row.type = fourCharCode("ui32");
-    keyCount.row.readings = {{bigEndian(static_cast<std::uint32_t>(keys.size()), 4)}};
+    keyCount.row.readings = {{.bytes = *encodeValue(*smcValueFormat("ui32"), static_cast<double>(keys.size()))}};
     keysByName.emplace(keyCountKey, &keyCount);
 }
 
@@ -175,7 +175,7 @@ bool SimulatedMac::setSMCValue(std::string_view name, char kind, double number)
     if (!bytes)
         return false;
     key->row.size = key->size();
-    key->row.readings = {{*bytes}};
+    key->row.readings = {{.bytes = *bytes}};
     key->next = 0;
     return true;
 }

@@ -10,9 +10,11 @@ namespace orv::Orv_SMCHelper {
 
 namespace {
 
-std::int64_t roundedSpeed(SMC& smc, const std::string& key)
+std::int64_t roundedSpeed(SMC& smc, const std::string& key, bool& isRead)
 {
-    const auto speed = integerPart(std::round(smc.getValue(key).value_or(0.0)));
+    const auto value = smc.getValue(key);
+    isRead = value.has_value();
+    const auto speed = integerPart(std::round(value.value_or(0.0)));
     if (!speed)
         fatalError("a fan speed is out of range");
     return *speed;
@@ -25,7 +27,7 @@ std::string fanKey(std::int64_t index, std::string_view speed)
     return std::string{'F', "0123456789ABCDEF"[index]}.append(speed);
 }
 
-ThermalDictionary readFans(SMC& smc, const std::vector<std::string_view>& fanKeys)
+ThermalDictionary readFans(SMC& smc, const std::vector<std::string_view>& fanKeys, FanObserver* observer)
 {
     ThermalDictionary fans;
     for (std::int64_t index = 0; index < maxFanCount; ++index) {
@@ -34,11 +36,15 @@ ThermalDictionary readFans(SMC& smc, const std::vector<std::string_view>& fanKey
             continue;
         const auto lostBefore = smc.lostReadings;
         FanEntry fan{.title = fanTitle(index)};
-        fan.minvalue = roundedSpeed(smc, fanKey(index, minimumSpeed));
-        fan.maxvalue = roundedSpeed(smc, fanKey(index, maximumSpeed));
-        fan.value = roundedSpeed(smc, actualKey);
+        ReadSpeeds readSpeeds;
+        fan.minvalue = roundedSpeed(smc, fanKey(index, minimumSpeed), readSpeeds.minimum);
+        fan.maxvalue = roundedSpeed(smc, fanKey(index, maximumSpeed), readSpeeds.maximum);
+        fan.value = roundedSpeed(smc, actualKey, readSpeeds.actual);
         // What another program cost us says nothing of the fan: not even that a speed cannot be read.
-        if (smc.lostReadings != lostBefore)
+        const bool isLost = smc.lostReadings != lostBefore;
+        if (observer)
+            observer->fanRead(index, fan, isLost ? std::nullopt : std::optional(readSpeeds));
+        if (isLost)
             continue;
         fans.insert_or_assign(std::move(actualKey), std::move(fan));
     }

@@ -8,10 +8,10 @@
 #include "thermal/ZpSystemInfo.h"
 
 #include <algorithm>
+#include <array>
 #include <bitset>
 #include <cstddef>
 #include <functional>
-#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -57,12 +57,22 @@ std::vector<const SensorKeyPair*> candidates(
     return rows;
 }
 
-// A failed exchange and a value that is none are the same to a collection.
-std::optional<double> readTemperature(SMC& smc, SMCVal& val)
+/// How far a key has come: its number, or what it is stopped by.
+struct Reading {
+    double degrees = 0;
+    SensorOutcome outcome = SensorOutcome::shown;
+    SMCValueFault fault = SMCValueFault::none;
+};
+
+Reading readTemperature(SMC& smc, SMCVal& val)
 {
     if (smc.read(val) != KERN_SUCCESS)
-        return std::nullopt;
-    return decodeValue(val);
+        return {.outcome = SensorOutcome::exchangeFailed};
+    const auto decoded = decode(val);
+    if (decoded.fault != SMCValueFault::none)
+        return {.outcome = SensorOutcome::noNumber, .fault = decoded.fault};
+    const bool counts = countsAbove(smcThreshold, decoded.number);
+    return {.degrees = decoded.number, .outcome = counts ? SensorOutcome::shown : SensorOutcome::belowThreshold};
 }
 
 /// Temperatures in the order of reading; a title is given out once.
@@ -70,157 +80,253 @@ class TitledTemperatures {
 public:
     explicit TitledTemperatures(std::size_t most) { readings.reserve(most); }
 
-    void add(std::string key, std::string_view title, double degrees)
+    SensorOutcome add(std::string key, std::string_view title, double degrees)
     {
         // Most titles are seen to be new without a look at the others, which saves 8 % of a refresh's instructions.
         const auto hash = std::hash<std::string_view>()(title) % hashes.size();
-        if (hashes.test(hash) && isGivenOut(title))
-            return;
+        if (hashes.test(hash) && !holder(title).empty())
+            return SensorOutcome::titleTaken;
         hashes.set(hash);
         readings.insert_or_assign(std::move(key), TemperatureEntry{std::string(title), degrees});
+        return SensorOutcome::shown;
+    }
+
+    /// The key that has the title; empty when none has.
+    std::string_view holder(std::string_view title) const
+    {
+        const auto found = std::ranges::find_if(
+            readings, [&](const auto& entry) { return std::get<TemperatureEntry>(entry.second).title == title; });
+        return found == readings.end() ? std::string_view() : found->first;
     }
 
     ThermalDictionary take() { return std::move(readings); }
 
 private:
-    bool isGivenOut(std::string_view title) const
-    {
-        return std::ranges::any_of(
-            readings, [&](const auto& entry) { return std::get<TemperatureEntry>(entry.second).title == title; });
-    }
-
     ThermalDictionary readings;
     std::bitset<1024> hashes; // of their titles
 };
 
-bool brandContains(std::string_view chip)
+constexpr const char* fallbackKey = "Te05";
+
+bool contains(const std::string& text, std::string_view part)
 {
-    return ZpSystemInfo::cpuBrandString().find(chip) != std::string::npos;
+    return text.find(part) != std::string::npos;
 }
 
 // On these chips an idle performance core reads 0; an efficiency core's temperature stands in for it.
-double coreFallback(SMC& smc)
+double coreFallback(SMC& smc, const std::string& processorName)
 {
-    if (!brandContains("M2") && !brandContains("M4"))
+    if (!contains(processorName, "M2") && !contains(processorName, "M4"))
         return 0.0;
-    return smc.getValue("Te05").value_or(0.0);
+    return smc.getValue(fallbackKey).value_or(0.0);
 }
 
-struct SocCounters {
-    std::int64_t efficiency = 0;
-    std::int64_t performance = 0;
-    std::int64_t gpu = 0;
+void leaveOutOnChip(
+    std::vector<const SensorKeyPair*>& sensors, const std::string& processorName, CollectionObserver* observer)
+{
+    if (!contains(processorName, chipWithoutFirstCores))
+        return;
+    std::erase_if(sensors, [observer](const auto* sensor) {
+        const auto key = keyOf(*sensor);
+        if (!key.starts_with("Tp0"))
+            return false;
+        if (observer)
+            observer->sensorDecided({.key = key, .outcome = SensorOutcome::leftOutOnChip, .kind = socKind(key)});
+        return true;
+    });
+}
 
-    void count(const std::string& key)
+std::string socTitle(const SensorKeyPair* sensor, SocKind kind, std::int64_t number)
+{
+    if (kind != SocKind::other)
+        return std::string(socKindTitle(kind)).append(1, ' ').append(std::to_string(number));
+    return sensor ? std::string(sensor->name) : "Unknown";
+}
+
+/// Reads the sensors of the SoC one after the other, and counts them.
+class SocReader {
+public:
+    SocReader(SMC& connection, const std::array<std::int64_t, 4>& mostOfKind, double fallbackDegrees)
+        : smc(connection)
+        , most(mostOfKind)
+        , fallback(fallbackDegrees)
     {
-        efficiency += efficiencyCoreKeys.contains(key);
-        performance += performanceCoreKeys.contains(key);
-        gpu += key.starts_with("Tg");
     }
+
+    void read(const SensorKeyPair& sensor, TitledTemperatures& temperatures, CollectionObserver* observer)
+    {
+        SMCVal val{.key = std::string(sensor.key)};
+        const auto kind = socKind(val.key);
+        // Counted before anything can skip the key: a sensor's number is its place, so a failing one leaves a gap.
+        const auto number = ++counters[static_cast<std::size_t>(kind)];
+        const bool isBeyond = number > most[static_cast<std::size_t>(kind)];
+        auto reading = isBeyond ? Reading{.outcome = SensorOutcome::beyondCoreCount} : readTemperature(smc, val);
+        const bool isStoodIn =
+            reading.outcome == SensorOutcome::belowThreshold && countsAbove(0, fallback) && val.key.starts_with("Tp");
+        if (isStoodIn)
+            reading = {.degrees = fallback};
+        std::string title;
+        if (reading.outcome == SensorOutcome::shown) {
+            title = socTitle(&sensor, kind, number);
+            reading.outcome = temperatures.add(std::move(val.key), title, reading.degrees);
+        }
+        if (observer)
+            observer->sensorDecided({.key = sensor.key,
+                .outcome = reading.outcome,
+                .val = isBeyond ? nullptr : &val,
+                .fault = reading.fault,
+                .degrees = reading.degrees,
+                .from = isStoodIn ? fallbackKey : "",
+                .title = title,
+                .holder = temperatures.holder(title),
+                .kind = kind,
+                .number = number});
+    }
+
+private:
+    SMC& smc;
+    const std::array<std::int64_t, 4> most; // of each kind
+    const double fallback;
+    std::array<std::int64_t, 4> counters{};
 };
+
+// Of both; `second` has precedence.
+ThermalDictionary merged(ThermalDictionary first, ThermalDictionary second, CollectionObserver* observer)
+{
+    if (observer) {
+        for (const auto& [code, reading] : first) {
+            if (std::ranges::binary_search(second, code, std::less<>(), &ThermalDictionary::Entry::first))
+                observer->sensorReplaced(code);
+        }
+    }
+    return mergeReadings(std::move(first), std::move(second));
+}
 
 } // namespace
 
-ThermalDictionary collectThermalReadings(const OrvTemperatureFans& profile, SMC& smc, HIDEventSystem& hidEventSystem)
+CollectionWay collectionWay(const OrvTemperatureFans& profile)
 {
     if (!profile.isAppleChip)
-        return collectIntel(smc);
-    if (!profile.isM1())
-        return collectAppleSilicon(smc, profile.numberOfEfficiencyCores, profile.numberOfPerformanceCores);
-    auto hid = ZpM1IOHIDSensors::readHIDTemperatures(hidEventSystem);
-    return mergeReadings(collectM1Common(smc), std::move(hid));
+        return CollectionWay::intel;
+    return profile.isM1() ? CollectionWay::m1 : CollectionWay::appleSilicon;
 }
 
-ThermalDictionary collectIntel(SMC& smc)
+ThermalDictionary collectThermalReadings(
+    const OrvTemperatureFans& profile, SMC& smc, HIDEventSystem& hidEventSystem, CollectionObserver* observer)
 {
-    return collectWithTable(smc, intelSensorKeys);
+    return collectThermalReadings({profile, ZpSystemInfo::cpuBrandString, observer}, smc, hidEventSystem);
 }
 
-ThermalDictionary collectM1Common(SMC& smc)
+ThermalDictionary collectThermalReadings(const CollectionBasis& basis, SMC& smc, HIDEventSystem& hidEventSystem)
 {
-    return collectWithTable(smc, commonSensorKeys);
+    const auto& [profile, processorName, observer] = basis;
+    switch (collectionWay(profile)) {
+    case CollectionWay::intel:
+        return collectIntel(smc, observer);
+    case CollectionWay::appleSilicon:
+        return collectAppleSilicon(
+            smc, profile.numberOfEfficiencyCores, profile.numberOfPerformanceCores, processorName(), observer);
+    case CollectionWay::m1:
+        break;
+    }
+    auto hid = ZpM1IOHIDSensors::readHIDTemperatures(hidEventSystem, observer);
+    return merged(collectM1Common(smc, observer), std::move(hid), observer);
 }
 
-ThermalDictionary collectAppleSilicon(SMC& smc, std::int64_t efficiencyCores, std::int64_t performanceCores)
+ThermalDictionary collectIntel(SMC& smc, CollectionObserver* observer)
+{
+    return collectWithTable(smc, intelSensorKeys, observer);
+}
+
+ThermalDictionary collectM1Common(SMC& smc, CollectionObserver* observer)
+{
+    return collectWithTable(smc, commonSensorKeys, observer);
+}
+
+ThermalDictionary collectAppleSilicon(SMC& smc, std::int64_t efficiencyCores, std::int64_t performanceCores,
+    const std::string& processorName, CollectionObserver* observer)
 {
     smc.open();
     const auto keys = splitKeys(smc.getAllKeys());
-    auto fans = readFans(smc, keys.fans);
-    auto common = readTableTemperatures(smc, keys.temperatures, commonSensorKeys);
-    auto soc = readSocTemperatures(smc, keys.temperatures, efficiencyCores, performanceCores);
-    auto combined = mergeReadings(std::move(soc), std::move(common));
+    auto fans = readFans(smc, keys.fans, observer);
+    auto common = readTableTemperatures(smc, keys.temperatures, commonSensorKeys, observer);
+    auto soc = readSocTemperatures(smc, keys.temperatures, efficiencyCores, performanceCores, processorName, observer);
+    auto combined = merged(std::move(soc), std::move(common), observer);
     smc.close();
     return mergeReadings(std::move(combined), std::move(fans));
 }
 
-ThermalDictionary collectWithTable(SMC& smc, const SensorTable& table)
+ThermalDictionary collectWithTable(SMC& smc, const SensorTable& table, CollectionObserver* observer)
 {
     smc.open();
     const auto keys = splitKeys(smc.getAllKeys());
-    auto fans = readFans(smc, keys.fans);
-    auto temperatures = readTableTemperatures(smc, keys.temperatures, table);
+    auto fans = readFans(smc, keys.fans, observer);
+    auto temperatures = readTableTemperatures(smc, keys.temperatures, table, observer);
     smc.close();
     return mergeReadings(std::move(temperatures), std::move(fans));
 }
 
-ThermalDictionary readTableTemperatures(
-    SMC& smc, const std::vector<std::string_view>& temperatureKeys, const SensorTable& table)
+ThermalDictionary readTableTemperatures(SMC& smc, const std::vector<std::string_view>& temperatureKeys,
+    const SensorTable& table, CollectionObserver* observer)
 {
+    if (observer)
+        observer->smcTableUsed(table);
     const auto sensors = candidates(temperatureKeys, table);
     TitledTemperatures temperatures(sensors.size());
     for (const auto* sensor : sensors) {
         SMCVal val{.key = std::string(sensor->key)};
-        const auto degrees = readTemperature(smc, val);
-        if (!degrees || !countsAbove(smcThreshold, *degrees))
-            continue;
-        temperatures.add(std::move(val.key), sensor->name, *degrees);
+        auto reading = readTemperature(smc, val);
+        if (reading.outcome == SensorOutcome::shown)
+            reading.outcome = temperatures.add(std::move(val.key), sensor->name, reading.degrees);
+        if (observer)
+            observer->sensorDecided({.key = sensor->key,
+                .outcome = reading.outcome,
+                .val = &val,
+                .fault = reading.fault,
+                .degrees = reading.degrees,
+                .title = sensor->name,
+                .holder = temperatures.holder(sensor->name)});
     }
     return temperatures.take();
 }
 
 ThermalDictionary readSocTemperatures(SMC& smc, const std::vector<std::string_view>& temperatureKeys,
-    std::int64_t efficiencyCores, std::int64_t performanceCores)
+    std::int64_t efficiencyCores, std::int64_t performanceCores, const std::string& processorName,
+    CollectionObserver* observer)
 {
+    if (observer)
+        observer->smcTableUsed(socSensorKeys);
     auto sensors = candidates(temperatureKeys, socSensorKeys);
-    if (brandContains("M4"))
-        std::erase_if(sensors, [](const auto* sensor) { return keyOf(*sensor).starts_with("Tp0"); });
-    const auto fallback = coreFallback(smc);
-
+    leaveOutOnChip(sensors, processorName, observer);
     TitledTemperatures temperatures(sensors.size());
-    SocCounters counters;
-    for (const auto* sensor : sensors) {
-        SMCVal val{.key = std::string(sensor->key)};
-        const auto& key = val.key;
-        // Counted before anything can skip the key: a sensor's number is its place, so a failing one leaves a gap.
-        counters.count(key);
-        if (efficiencyCoreKeys.contains(key) && counters.efficiency > efficiencyCores)
-            continue;
-        if (performanceCoreKeys.contains(key) && counters.performance > performanceCores)
-            continue;
-        auto degrees = readTemperature(smc, val);
-        if (!degrees)
-            continue;
-        if (!countsAbove(smcThreshold, *degrees)) {
-            if (!countsAbove(0, fallback) || !key.starts_with("Tp"))
-                continue;
-            degrees = fallback;
-        }
-        temperatures.add(key, socSensorName(key, counters.efficiency, counters.performance, counters.gpu), *degrees);
-    }
+    // In the order of SocKind.
+    SocReader reader(smc, {INT64_MAX, efficiencyCores, performanceCores, INT64_MAX}, coreFallback(smc, processorName));
+    for (const auto* sensor : sensors)
+        reader.read(*sensor, temperatures, observer);
     return temperatures.take();
+}
+
+SocKind socKind(std::string_view key)
+{
+    if (efficiencyCoreKeys.contains(key))
+        return SocKind::efficiencyCore;
+    if (performanceCoreKeys.contains(key))
+        return SocKind::performanceCore;
+    return key.starts_with("Tg") ? SocKind::gpu : SocKind::other;
+}
+
+std::string_view socKindTitle(SocKind kind)
+{
+    constexpr std::array<std::string_view, 4> titles{"", "Core Efficiency", "Core Performance", "GPU"};
+    return titles[static_cast<std::size_t>(kind)];
 }
 
 std::string socSensorName(
     const std::string& key, std::int64_t efficiencyIndex, std::int64_t performanceIndex, std::int64_t gpuIndex)
 {
-    if (efficiencyCoreKeys.contains(key))
-        return "Core Efficiency " + std::to_string(efficiencyIndex);
-    if (performanceCoreKeys.contains(key))
-        return "Core Performance " + std::to_string(performanceIndex);
-    if (key.starts_with("Tg"))
-        return "GPU " + std::to_string(gpuIndex);
-    const auto* sensor = socSensorKeys.find(key);
-    return sensor ? std::string(sensor->name) : "Unknown";
+    const auto kind = socKind(key);
+    const std::array<std::int64_t, 4> numbers{0, efficiencyIndex, performanceIndex, gpuIndex};
+    return socTitle(socSensorKeys.find(key), kind, numbers[static_cast<std::size_t>(kind)]);
 }
 
 } // namespace orv::Orv_SMCHelper

@@ -26,6 +26,10 @@ constexpr SensorTable hidSensorNames{hidRows, sorted<hidRows>, ordinals<hidRows>
 static_assert(isSubset(efficiencyCoreKeys, socSensorKeys));
 static_assert(isSubset(performanceCoreKeys, socSensorKeys));
 
+// So that a key has one kind, and one table decides about it.
+static_assert(sharesNoKey(efficiencyCoreKeys, performanceCoreKeys));
+static_assert(sharesNoKey(commonSensorKeys, socSensorKeys));
+
 static_assert(!hidSensorNames.contains("Tsdi"));
 
 } // namespace orv::Orv_SMCProfileKeys

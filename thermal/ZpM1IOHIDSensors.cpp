@@ -33,31 +33,47 @@ std::optional<std::int64_t> integerProperty(const Value& property)
 
 } // namespace
 
-ThermalDictionary readHIDTemperatures(HIDEventSystem& hidEventSystem)
+ThermalDictionary readHIDTemperatures(HIDEventSystem& hidEventSystem, CollectionObserver* observer)
 {
+    const auto& table = Orv_SMCProfileKeys::hidSensorNames;
+    if (observer)
+        observer->hidTableUsed(table);
     ThermalDictionary temperatures;
     for (const auto& [code, degrees] :
-        hidReadings(hidEventSystem, appleVendorPage, temperatureUsage, temperatureEventType)) {
-        const auto* sensor = Orv_SMCProfileKeys::hidSensorNames.find(code);
-        if (!sensor || !countsAbove(hidThreshold, degrees))
-            continue;
-        temperatures.insert_or_assign(code, TemperatureEntry{std::string(sensor->name), degrees});
+        hidReadings(hidEventSystem, appleVendorPage, temperatureUsage, temperatureEventType, observer)) {
+        const auto* sensor = table.find(code);
+        const auto outcome = !sensor              ? ServiceOutcome::notInCatalogue
+            : !countsAbove(hidThreshold, degrees) ? ServiceOutcome::belowThreshold
+                                                  : ServiceOutcome::shown;
+        if (outcome == ServiceOutcome::shown)
+            temperatures.insert_or_assign(code, TemperatureEntry{std::string(sensor->name), degrees});
+        if (observer)
+            observer->serviceDecided(code, outcome);
     }
     return temperatures;
 }
 
-std::map<std::string, double> hidReadings(
-    HIDEventSystem& hidEventSystem, std::int64_t page, std::int64_t usage, std::int64_t eventType)
+std::map<std::string, double> hidReadings(HIDEventSystem& hidEventSystem, std::int64_t page, std::int64_t usage,
+    std::int64_t eventType, CollectionObserver* observer)
 {
     std::map<std::string, double> readings;
     const auto type = int32(eventType);
     const auto field = int32(eventType * 65536); // the first field of a type, which is a temperature's level
     const auto addReading = [&](HIDService& service) {
         const auto location = integerProperty(service.locationID());
-        if (!location || *location <= 0)
+        if (!location || *location <= 0) {
+            if (observer)
+                observer->serviceRead(std::nullopt, std::nullopt);
             return;
+        }
         const auto code = fourCharString(static_cast<std::uint32_t>(*location));
-        readings[code] = service.eventValue(type, field).value_or(-1.0);
+        const auto degrees = service.eventValue(type, field);
+        const auto [reading, isFirst] = readings.insert_or_assign(code, degrees.value_or(-1.0));
+        if (!observer)
+            return;
+        if (!isFirst)
+            observer->serviceReplaced(code);
+        observer->serviceRead(code, degrees);
     };
     if (!hidEventSystem.forEachService(int32(page), int32(usage), addReading))
         fatalError("no client of the HID event system");

@@ -137,6 +137,12 @@ consteval std::size_t keysOfLength(std::size_t length, const std::array<Row, cou
     return found;
 }
 
+template <typename Row, typename OtherRow>
+consteval bool sharesNoKey(const KeyedTable<Row>& table, const KeyedTable<OtherRow>& other)
+{
+    return std::ranges::none_of(table.rows, [&other](const Row& row) { return other.contains(keyOf(row)); });
+}
+
 consteval bool isSubset(const KeyList& keys, const SensorTable& table)
 {
     return std::ranges::all_of(keys.rows, [&table](const SensorKey& key) { return table.contains(key); });
