@@ -1,11 +1,7 @@
 #include "bluetooth/OrvBluetoothAppleWatch.h"
 
-#include "base/File.h"
 #include "bluetooth/WatchFile.h"
-#include "platform/Bundle.h"
-#include "platform/JSON.h"
 
-#include <cstddef>
 #include <utility>
 
 namespace orv {
@@ -13,22 +9,6 @@ namespace orv {
 namespace {
 
 constexpr Seconds companionTime{5.0}; // for the companion to write its file
-constexpr std::size_t largestWatchFile = 1u << 20; // so that no transport meets its own limit
-
-std::optional<BluetoothBatteryDictionary> objectOfObjects(const Value& value)
-{
-    const auto* entries = value.as<Dictionary>();
-    if (!entries)
-        return std::nullopt;
-    BluetoothBatteryDictionary result;
-    for (const auto& [key, entry] : *entries) {
-        const auto* object = entry.as<Dictionary>();
-        if (!object)
-            return std::nullopt;
-        result.emplace(key, *object);
-    }
-    return result;
-}
 
 } // namespace
 
@@ -47,29 +27,20 @@ OrvBluetoothAppleWatch& OrvBluetoothAppleWatch::shared()
 
 std::optional<std::string> OrvBluetoothAppleWatch::companionAppURL() const
 {
-    auto applications = platform.bundle.resources("app");
-    if (applications.empty())
-        return std::nullopt;
-    return std::move(applications.front());
+    return companionApplication(platform.bundle);
 }
 
 std::optional<std::string> OrvBluetoothAppleWatch::watchBatteryFileURL() const
 {
-    const auto container = platform.bundle.groupContainer(applicationGroupIdentifier);
-    if (!container)
-        return std::nullopt;
-    return *container + watchFileInContainer;
+    return watchFilePath(platform.bundle);
 }
 
 bool OrvBluetoothAppleWatch::readWatchBatteryFile()
 {
-    const auto path = watchBatteryFileURL();
-    const auto bytes = path ? readFile(*path, largestWatchFile) : std::nullopt;
-    const auto content = bytes ? parseJSON(*bytes) : std::nullopt;
-    auto entries = content ? objectOfObjects(*content) : std::nullopt;
-    if (!entries)
+    auto file = readWatchFile(platform.bundle);
+    if (file.outcome != WatchFileOutcome::read)
         return false;
-    systemBlueToothDictionary = std::move(*entries);
+    systemBlueToothDictionary = std::move(file.entries);
     return true;
 }
 

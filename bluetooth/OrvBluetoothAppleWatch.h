@@ -10,9 +10,6 @@
 
 namespace orv {
 
-/// The application group shared with the menu-bar application; a value of the build.
-inline constexpr const char* applicationGroupIdentifier = ORV_APPLICATION_GROUP;
-
 /// Keeps what the companion application found out about a watch: every 40 seconds and on wake the companion is opened,
 /// and 5 seconds later its file is read. Main thread only.
 class OrvBluetoothAppleWatch final : public RefreshingSource,

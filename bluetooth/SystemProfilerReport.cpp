@@ -32,35 +32,112 @@ template <typename T> const T* memberOf(const Value* parent, std::string_view ke
     return dictionary ? dictionary->findAs<T>(key) : nullptr;
 }
 
-// One element that is no dictionary spoils the whole list of connected devices.
-const Array* connectedDevices(const Value& report)
+// The list of connected devices; nothing and why when the report has none.
+const Array* connectedDevices(const Value& report, ReportOutcome& outcome)
 {
-    const auto* dataTypes = memberOf<Array>(&report, "SPBluetoothDataType");
+    outcome = ReportOutcome::notAnObject;
+    if (!report.as<Dictionary>())
+        return nullptr;
+    outcome = ReportOutcome::noDataType;
+    const auto* dataTypes = memberOf<Array>(&report, dataTypeMember);
     if (!dataTypes || dataTypes->empty())
         return nullptr;
-    const auto* devices = memberOf<Array>(&dataTypes->front(), "device_connected");
-    if (!devices || !std::ranges::all_of(*devices, [](const Value& device) { return device.as<Dictionary>(); }))
-        return nullptr;
+    const auto* devices = memberOf<Array>(&dataTypes->front(), connectedMember);
+    outcome = devices ? ReportOutcome::walked : ReportOutcome::noConnectedList;
     return devices;
 }
 
-// An element's one member is named after the device and holds its properties, which are texts throughout.
-const Dictionary* deviceProperties(const Value& element)
+// One element that is no dictionary spoils the whole list of connected devices.
+std::optional<std::size_t> firstSpoiler(const Array& devices)
 {
-    const auto& device = *element.as<Dictionary>();
-    const auto* properties = device.empty() ? nullptr : device.begin()->value.as<Dictionary>();
-    const auto isText = [](const Member& member) { return member.value.as<std::string>() != nullptr; };
-    return properties && std::ranges::all_of(*properties, isText) ? properties : nullptr;
+    const auto spoiler = std::ranges::find_if_not(devices, [](const Value& device) { return device.as<Dictionary>(); });
+    if (spoiler == devices.end())
+        return std::nullopt;
+    return static_cast<std::size_t>(spoiler - devices.begin());
 }
 
-Dictionary batteryLevels(const Dictionary& properties)
+bool isText(const Member& member)
 {
-    Dictionary levels;
-    for (const auto& [property, level] : levelRules) {
-        if (const auto* text = properties.find(property))
-            levels.set(level, integerValue(*text->as<std::string>()));
+    return member.value.as<std::string>() != nullptr;
+}
+
+/// Walks the elements of the list one after the other.
+class DeviceWalk {
+public:
+    explicit DeviceWalk(BluetoothReportObserver* given)
+        : observer(given)
+    {
     }
-    return levels;
+
+    BluetoothBatteryDictionary result;
+
+    void visit(const Value& element)
+    {
+        DeviceDecision decision{.element = count++};
+        std::string key;
+        decision.outcome = take(*element.as<Dictionary>(), decision.member, key);
+        decision.key = key;
+        if (observer)
+            observer->deviceDecided(decision);
+    }
+
+private:
+    // An element's one member is named after the device and holds its properties, which are texts throughout.
+    DeviceOutcome take(const Dictionary& device, std::string_view& member, std::string& key)
+    {
+        const auto* properties = device.empty() ? nullptr : device.begin()->value.as<Dictionary>();
+        if (!properties)
+            return DeviceOutcome::notADevice;
+        if (const auto other = std::ranges::find_if_not(*properties, isText); other != properties->end()) {
+            member = other->key;
+            return DeviceOutcome::notText;
+        }
+        const auto* address = properties->findAs<std::string>(addressProperty);
+        if (!address)
+            return DeviceOutcome::noAddress;
+        auto levels = batteryLevels(*properties);
+        if (levels.empty())
+            return DeviceOutcome::noLevel;
+        key = deviceKey(*address);
+        result.insert_or_assign(key, std::move(levels));
+        return DeviceOutcome::shown;
+    }
+
+    BluetoothReportObserver* const observer;
+    std::size_t count = 0;
+};
+
+void tellOfSpoiltList(const Array& devices, BluetoothReportObserver* observer)
+{
+    for (std::size_t element = 0; observer && element < devices.size(); ++element)
+        observer->deviceDecided({.element = element, .outcome = DeviceOutcome::spoiltList});
+}
+
+} // namespace
+
+BluetoothBatteryDictionary parseBluetoothReport(std::string_view bytes, BluetoothReportObserver* observer)
+{
+    const auto report = parseJSON(bytes);
+    if (report)
+        return walkBluetoothReport(*report, observer);
+    if (observer)
+        observer->reportWalked(ReportOutcome::notJSON, nullptr, std::nullopt);
+    return {};
+}
+
+BluetoothBatteryDictionary walkBluetoothReport(const Value& report, BluetoothReportObserver* observer)
+{
+    auto outcome = ReportOutcome::walked;
+    const auto* devices = connectedDevices(report, outcome);
+    const auto spoiler = devices ? firstSpoiler(*devices) : std::nullopt;
+    if (observer)
+        observer->reportWalked(outcome, devices, spoiler);
+    DeviceWalk walk(observer);
+    if (spoiler)
+        tellOfSpoiltList(*devices, observer);
+    else if (devices)
+        std::ranges::for_each(*devices, [&walk](const Value& element) { walk.visit(element); });
+    return std::move(walk.result);
 }
 
 // Addresses are ASCII, so only ASCII letters are lowered.
@@ -75,25 +152,14 @@ std::string deviceKey(std::string address)
     return address;
 }
 
-} // namespace
-
-BluetoothBatteryDictionary parseBluetoothReport(std::string_view bytes)
+Dictionary batteryLevels(const Dictionary& properties)
 {
-    BluetoothBatteryDictionary result;
-    const auto report = parseJSON(bytes);
-    const auto* devices = report ? connectedDevices(*report) : nullptr;
-    if (!devices)
-        return result;
-    for (const auto& element : *devices) {
-        const auto* properties = deviceProperties(element);
-        const auto* address = properties ? properties->find("device_address") : nullptr;
-        if (!address)
-            continue;
-        auto levels = batteryLevels(*properties);
-        if (!levels.empty())
-            result.insert_or_assign(deviceKey(*address->as<std::string>()), std::move(levels));
+    Dictionary levels;
+    for (const auto& [property, level] : levelRules) {
+        if (const auto* text = properties.findAs<std::string>(property))
+            levels.set(level, integerValue(*text));
     }
-    return result;
+    return levels;
 }
 
 } // namespace orv

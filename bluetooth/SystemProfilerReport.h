@@ -1,7 +1,9 @@
 #pragma once
 
+#include "bluetooth/BluetoothReportObserver.h"
 #include "readings/Readings.h"
 
+#include <string>
 #include <string_view>
 
 namespace orv {
@@ -9,6 +11,20 @@ namespace orv {
 /// The battery levels in the JSON report of the system profiler's Bluetooth data type: a connected device's address,
 /// in lower case and with "-" for ":", to one to four of "batteryLevel", "batteryLevelCase", "batteryLevelLeft" and
 /// "batteryLevelRight" (signed 64-bit integers, as the report states them). Empty when nothing usable is found.
-BluetoothBatteryDictionary parseBluetoothReport(std::string_view bytes);
+/// Of two elements with one address the later one counts, whole.
+BluetoothBatteryDictionary parseBluetoothReport(std::string_view bytes, BluetoothReportObserver* observer = nullptr);
+
+/// The same for a report that was read already.
+BluetoothBatteryDictionary walkBluetoothReport(const Value& report, BluetoothReportObserver* observer = nullptr);
+
+// What the walk looks for.
+inline constexpr std::string_view dataTypeMember = "SPBluetoothDataType";
+inline constexpr std::string_view connectedMember = "device_connected";
+inline constexpr std::string_view addressProperty = "device_address";
+
+/// The key of the device with an address.
+std::string deviceKey(std::string address);
+/// The levels among a device's properties; those that are no text are passed over.
+Dictionary batteryLevels(const Dictionary& properties);
 
 } // namespace orv

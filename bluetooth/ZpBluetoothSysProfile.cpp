@@ -14,11 +14,16 @@ const std::vector<std::string> profilerArguments{"SPBluetoothDataType", "-json"}
 
 } // namespace
 
+void startProfiler(ProcessLauncher& launcher, std::function<void(std::string output)> onExit)
+{
+    launcher.start(profilerPath, profilerArguments, std::move(onExit));
+}
+
 void fetchBatteryLevels(
     RunLoop& runLoop, ProcessLauncher& launcher, std::function<void(BluetoothBatteryDictionary)> completion)
 {
     runLoop.postToBackground([&runLoop, &launcher, completion = std::move(completion)] {
-        launcher.start(profilerPath, profilerArguments, [&runLoop, completion](const std::string& output) {
+        startProfiler(launcher, [&runLoop, completion](const std::string& output) {
             runLoop.post([completion, levels = parseBluetoothReport(output)] { completion(levels); });
         });
     });

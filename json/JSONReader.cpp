@@ -77,12 +77,14 @@ public:
 
     [[gnu::cold]] bool parse_error(std::size_t position, const std::string&, const JSON::exception&)
     {
+        faultPosition = position;
         fault = "not JSON near byte " + std::to_string(position);
         return false;
     }
 
     Value finished;
     std::string fault;
+    std::optional<std::size_t> faultPosition;
 
 private:
     struct Container {
@@ -175,10 +177,13 @@ std::optional<Value> read(std::string_view bytes, ValueBuilder& builder)
 
 } // namespace
 
-std::optional<Value> parseJSON(std::string_view bytes)
+std::optional<Value> parseJSON(std::string_view bytes, std::optional<std::size_t>* faultPosition)
 {
     ValueBuilder builder(false);
-    return read(bytes, builder);
+    auto value = read(bytes, builder);
+    if (faultPosition)
+        *faultPosition = builder.faultPosition;
+    return value;
 }
 
 std::optional<Value> parseStrictJSON(std::string_view bytes, std::string& fault)

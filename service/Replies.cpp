@@ -96,10 +96,7 @@ private:
     };
 
     static bool canCarry(const Dictionary&) { return true; } // an entry
-    bool canCarry(const Value& value) const
-    {
-        return !std::holds_alternative<std::nullptr_t>(value.data) && depth <= limits.depth;
-    }
+    bool canCarry(const Value& value) const { return hasReplyForm(value) && depth <= limits.depth; }
 
     void write(const Value& value)
     {
@@ -132,6 +129,11 @@ private:
 };
 
 } // namespace
+
+bool hasReplyForm(const Value& value)
+{
+    return !std::holds_alternative<std::nullptr_t>(value.data);
+}
 
 void writeThermalReply(const ThermalDictionary& readings, ReplySink& sink)
 {

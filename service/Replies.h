@@ -37,6 +37,9 @@ inline constexpr ReplyLimits propertyListLimits{};
 /// The D-Bus daemon drops a peer that sends such texts, or variants nested more than 20 deep.
 inline constexpr ReplyLimits messageBusLimits{.depth = 16, .noncharacters = false};
 
+/// Whether a value has a form in a reply; one that has none is left out, at any depth. A null has none.
+bool hasReplyForm(const Value& value);
+
 /// Sensor code to a dictionary of "title", "type", "unit", "value" and, for fans, "minvalue" and "maxvalue".
 void writeThermalReply(const ThermalDictionary& readings, ReplySink& sink);
 
