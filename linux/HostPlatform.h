@@ -1,11 +1,11 @@
 #pragma once
 
 #include "linux/LoginWorkspace.h"
+#include "linux/NoHIDEventSystem.h"
 #include "linux/XdgBundle.h"
 #include "linux/bluez/BluezEvents.h"
 #include "linux/bus/SystemBus.h"
 #include "linux/drivers/HostHardware.h"
-#include "platform/HIDEventSystem.h"
 #include "platform/Platform.h"
 
 #include <memory>
@@ -16,12 +16,6 @@ namespace orv {
 class EventRunLoop;
 class SpawnLauncher;
 class Timer;
-
-/// Linux has no HID temperature services: no machine that it runs on is asked for them in vain.
-class NoHIDEventSystem final : public HIDEventSystem {
-public:
-    bool forEachService(std::int32_t, std::int32_t, const std::function<void(HIDService&)>&) override { return true; }
-};
 
 /// The machine that the program runs on, with everything around it except the run loop and the launcher.
 class HostPlatform {

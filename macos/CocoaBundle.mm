@@ -6,13 +6,13 @@ namespace orv {
 
 std::string CocoaBundle::identifier() const
 {
-    return coreText(NSBundle.mainBundle.bundleIdentifier);
+    return coreText(bundle.bundleIdentifier);
 }
 
 std::vector<std::string> CocoaBundle::resources(const std::string& extension) const
 {
     std::vector<std::string> paths;
-    for (NSURL* url in [NSBundle.mainBundle URLsForResourcesWithExtension:foundationText(extension) subdirectory:@""])
+    for (NSURL* url in [bundle URLsForResourcesWithExtension:foundationText(extension) subdirectory:@""])
         paths.push_back(coreText(url.path));
     return paths;
 }

@@ -1,4 +1,5 @@
 #include "orvctl/collecting/SimulatedClient.h"
+#include "orvctl/collecting/SimulatedInspection.h"
 #include "orvctl/collecting/SimulatedWatch.h"
 
 #include <crt_externs.h>
@@ -39,6 +40,11 @@ std::string runSimulated()
 } // namespace
 
 ServiceAnswer askSimulatedMac(Request, const std::string&)
+{
+    return {std::nullopt, runSimulated()};
+}
+
+InspectionAnswer inspectSimulatedMac(const std::string&, const std::vector<std::string>&)
 {
     return {std::nullopt, runSimulated()};
 }

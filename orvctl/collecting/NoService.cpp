@@ -1,3 +1,4 @@
+#include "explain/ThisMac.h"
 #include "service/Client.h"
 #include "service/Watching.h"
 
@@ -18,6 +19,11 @@ ServiceAnswer askService(Request)
 std::string watchService(ServiceWatcher&, int)
 {
     return refusal;
+}
+
+InspectionAnswer inspectThisMac(const std::vector<std::string>&)
+{
+    return {std::nullopt, refusal};
 }
 
 } // namespace orv

@@ -16,8 +16,9 @@ using AddCommand = void (*)(CLI::App& application, Run& run);
 void addThermal(CLI::App& application, Run& run);
 void addBluetooth(CLI::App& application, Run& run);
 void addWatch(CLI::App& application, Run& run);
+void addExplain(CLI::App& application, Run& run);
 
 /// In the order in which --help lists them.
-inline constexpr std::array allCommands{addThermal, addBluetooth, addWatch};
+inline constexpr std::array allCommands{addThermal, addBluetooth, addWatch, addExplain};
 
 } // namespace orv

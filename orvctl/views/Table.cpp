@@ -1,9 +1,8 @@
 #include "orvctl/views/Table.h"
 
-#include "orvctl/views/ColumnWidth.h"
 #include "orvctl/views/LevelNames.h"
 #include "orvctl/views/Printable.h"
-#include "readings/Text.h"
+#include "orvctl/views/Text.h"
 #include "json/JSONWriter.h"
 
 #include <fmt/format.h>
@@ -19,45 +18,13 @@ namespace orv {
 
 namespace {
 
-constexpr std::size_t tableWidth = 80;
 constexpr std::size_t titleWidth = 34;
 constexpr std::size_t deviceWidth = 34;
-
-std::string cutTo(std::size_t width, std::string_view text)
-{
-    if (columnCount(text) <= width)
-        return std::string(text);
-    std::size_t bytes = 0;
-    for (std::size_t columns = 0;;) {
-        const auto length = decodeCharacter(text.substr(bytes)).length;
-        columns += columnCount(text.substr(bytes, length));
-        if (columns >= width) // the last one is the ellipsis's
-            return std::string(text.substr(0, bytes)) + "…";
-        bytes += length;
-    }
-}
-
-std::string padded(std::size_t width, std::string_view text)
-{
-    auto result = cutTo(width, text);
-    result.append(width - columnCount(result), ' ');
-    return result;
-}
-
-std::string row(std::string_view text)
-{
-    return cutTo(tableWidth, text) + '\n';
-}
 
 template <typename T> T member(const Dictionary& dictionary, std::string_view key)
 {
     const auto* content = dictionary.findAs<T>(key);
     return content ? *content : T{};
-}
-
-std::string heading(std::string_view text, Colour colour)
-{
-    return colour == Colour::on ? fmt::format("\x1b[1m{}\x1b[0m\n", text) : fmt::format("{}\n", text);
 }
 
 /// One reading under its code, in the order in which a table shows it.

@@ -10,11 +10,13 @@ _orvctl()
         return
     fi
     if ((COMP_CWORD == 1)); then
-        words="thermal bluetooth watch --help --version"
+        words="thermal bluetooth watch explain --help --version"
     elif [[ $previous == --format ]]; then
         words="table jsonl csv waybar i3bar"
     elif [[ ${COMP_WORDS[1]} == watch ]]; then
         words="--format --only --simulate --help"
+    elif [[ ${COMP_WORDS[1]} == explain ]]; then
+        words="--missing --shown --json --simulate --help temperatures fans hid bluetooth watch"
     else
         words="--json --simulate --help"
     fi

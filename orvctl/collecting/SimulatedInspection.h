@@ -1,0 +1,13 @@
+#pragma once
+
+#include "explain/ThisMac.h"
+
+#include <string>
+#include <vector>
+
+namespace orv {
+
+/// Inspects the Mac of a machine file. Its `watch` counts as the watch file as it stands.
+InspectionAnswer inspectSimulatedMac(const std::string& machinePath, const std::vector<std::string>& wantedKeys);
+
+} // namespace orv

@@ -1,0 +1,77 @@
+#include "orvctl/collecting/SimulatedInspection.h"
+#include "orvctl/commands/Commands.h"
+#include "orvctl/views/ExplanationJSON.h"
+#include "orvctl/views/ExplanationText.h"
+#include "orvctl/views/Terminal.h"
+
+#include "readings/Text.h"
+#include "json/JSONWriter.h"
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orv {
+
+namespace {
+
+struct Options {
+    std::vector<std::string> subjects;
+    bool missing = false;
+    bool shown = false;
+    bool json = false;
+    std::optional<std::string> machinePath;
+};
+
+Filter filterOf(const Options& options)
+{
+    if (options.missing)
+        return Filter::missing;
+    return options.shown ? Filter::shown : Filter::all;
+}
+
+std::vector<Answer> answersTo(const Options& options, const Explanation& explanation, const Inspection& inspection)
+{
+    std::vector<Answer> answers;
+    for (const auto& subject : options.subjects)
+        answers.push_back(answerFor(repairedUTF8(subject), explanation, inspection));
+    return answers;
+}
+
+int explainMac(const Options& options)
+{
+    auto [mac, error] = options.machinePath ? inspectSimulatedMac(*options.machinePath, options.subjects)
+                                            : inspectThisMac(options.subjects);
+    if (!mac)
+        return complain(error, options.machinePath ? 2 : 1);
+    auto explanation = explain(mac->inspection);
+    auto& obstacles = explanation.machine.obstacles;
+    obstacles.insert(obstacles.begin(), mac->obstacles.begin(), mac->obstacles.end());
+    const auto answers = answersTo(options, explanation, mac->inspection);
+    const auto filter = filterOf(options);
+    const auto written = options.json
+        ? writeJSON(explanationDocument(explanation, answers, filter), KeyOrder::asListed) + '\n'
+        : explanationText(explanation, answers, filter, terminalColour());
+    const int status = print(written);
+    return std::ranges::all_of(answers, &Answer::isFound) ? status : 1;
+}
+
+} // namespace
+
+void addExplain(CLI::App& application, Run& run)
+{
+    auto* command = application.add_subcommand("explain", "Why each sensor, device and watch is shown or missing");
+    const auto options = std::make_shared<Options>();
+    command->add_option("WHAT", options->subjects, "Keys, titles, devices, addresses or parts of them")
+        ->option_text(" ");
+    auto* missing = command->add_flag("--missing", options->missing, "Only what is missing");
+    command->add_flag("--shown", options->shown, "Only what is shown")->excludes(missing);
+    command->add_flag("--json", options->json, "Print the explanation as JSON (schema orv.explain/1)");
+    command->add_option("--simulate", options->machinePath, "Explain the Mac that a machine file describes")
+        ->type_name("FILE");
+    command->callback([=, &run] { run = [=] { return explainMac(*options); }; });
+}
+
+} // namespace orv
