@@ -37,6 +37,7 @@ BELOW = {
     "orvctl": ["orvctl/commands", "orvctl/views"],
     "tests/compat": ["platform/compat"],
     "tests/support": ["linux/bus", "linux/drivers"],
+    "tests/proof": ["explain", "simulated"],
     "tests/macos": ["tests/json"],
     "tests/service": ["service", "json", "tests/support"],
     "bench/support": ["simulated", "thermal"],
