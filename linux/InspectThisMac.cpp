@@ -1,4 +1,5 @@
 #include "explain/ThisMac.h"
+#include "linux/HostObstacles.h"
 #include "linux/NoHIDEventSystem.h"
 #include "linux/ProfilerProgram.h"
 #include "linux/ProgramPaths.h"
@@ -7,6 +8,7 @@
 #include "linux/drivers/HostHardware.h"
 
 #include <cstdlib>
+#include <utility>
 
 namespace orv {
 
@@ -19,7 +21,8 @@ InspectionAnswer inspectThisMac(const std::vector<std::string>& wantedKeys)
     NoHIDEventSystem hidEventSystem;
     SpawnLauncher launcher(hostProfilerProgram());
     const XdgBundle bundle(ORV_BUNDLE_IDENTIFIER, installationPrefix());
-    return {InspectedMac{inspect({hidEventSystem, launcher, bundle}, wantedKeys), {}}, {}};
+    auto inspection = inspect({hidEventSystem, launcher, bundle}, wantedKeys);
+    return {InspectedMac{std::move(inspection), hostObstacles(hardware)}, {}};
 }
 
 } // namespace orv

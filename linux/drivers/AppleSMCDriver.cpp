@@ -5,6 +5,7 @@
 #include "smc/FourCharCode.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <utility>
 
 namespace orv {
@@ -96,6 +97,20 @@ void AppleSMCDriver::closeSMC()
 {
     if (source)
         source->endTurn();
+}
+
+SMCAccess AppleSMCDriver::access() const
+{
+    if (!source)
+        return SMCAccess::none;
+    if (source->isComplete())
+        return SMCAccess::everyKey;
+    for (const auto* folder : {platformFolder, acpiFolder}) {
+        const auto index = calls.open(root + folder + "/key_at_index", SMCAttributes::Access::readingAndWriting);
+        if (!index && errno == EACCES)
+            return SMCAccess::refused;
+    }
+    return SMCAccess::files;
 }
 
 std::unique_ptr<SMCKeySource> AppleSMCDriver::findSource() const

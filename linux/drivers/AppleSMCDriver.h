@@ -14,6 +14,14 @@
 
 namespace orv {
 
+/// What of the SMC this process gets through the kernel's driver.
+enum class SMCAccess {
+    none, // there is no driver
+    files, // those sensors for which the driver has files
+    refused, // the same, because the rest is not for this process
+    everyKey,
+};
+
 /// The SMC of a Mac that runs Linux, through the kernel's applesmc or macsmc driver. A driver that comes late, or goes
 /// and comes back, is taken up by the next refresh. Main thread only.
 class AppleSMCDriver {
@@ -28,6 +36,9 @@ public:
     SMCOutcome readBytes(std::uint32_t key, Hardware::Bytes& bytes);
     SMCOutcome keyAtIndex(std::uint32_t index, std::uint32_t& key);
     void closeSMC();
+
+    /// Of the driver that was last looked for.
+    SMCAccess access() const;
 
 private:
     std::unique_ptr<SMCKeySource> findSource() const;

@@ -22,6 +22,8 @@ public:
     void closeSMC() override { driver.closeSMC(); }
     std::optional<std::string> systemValue(const std::string& name) override;
 
+    SMCAccess smcAccess() const { return driver.access(); }
+
 private:
     AppleSMCDriver driver;
     std::map<std::string, std::string> systemValues;

@@ -1,6 +1,7 @@
 """The helper on the machine it runs on: kernel drivers as a tree of files, logind and BlueZ as mocks on a private bus."""
 
 import contextlib
+import json
 import os
 import pathlib
 import re
@@ -81,6 +82,25 @@ class SensorFilesTest(HostTest):
         self.assertEqual(reply["F1Ac"], {**fan, "title": "Right Side", "value": 2002, "minvalue": 0, "maxvalue": 0})
         self.write_intel(temp1_input="50000\n")
         self.until(lambda: self.temperatures() == {"TC0P": 50.0, "TB0T": 30.25})
+
+    def test_what_keeps_sensors_away_is_said_first(self):
+        bare = self.explain()
+        self.assertEqual([each["id"] for each in bare["machine"]["obstacles"]], ["no-driver", "smc-closed"])
+        self.write_intel(temp1_label="TC0P\n", temp1_input="47500\n", key_at_index="0\n")
+        (self.root / APPLESMC / "key_at_index").chmod(0o444)
+        document = self.explain()
+        self.assertEqual([row["key"] for row in document["sensors"] if row["verdict"] == "shown"], ["TC0P"])
+        obstacle, = document["machine"]["obstacles"]
+        if os.geteuid() == 0 and not self.prefix:  # whom no mode stops
+            self.assertEqual((obstacle["id"], obstacle["command"]), ("files-only", None))
+        else:
+            self.assertIn(obstacle["id"], ("no-group", "no-member", "member-later", "no-group-access"))
+            self.assertRegex(obstacle["command"], "^sudo ")
+
+    def explain(self):
+        done = self.run_program(self.copy(BIN / "orvctl", "bin"), "explain", "--json")
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        return json.loads(done.stdout)
 
     def test_apple_silicon_is_read_by_its_labels(self):
         hwmon = "sys/class/hwmon/hwmon2"
