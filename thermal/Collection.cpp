@@ -138,9 +138,12 @@ void leaveOutOnChip(
 
 std::string socTitle(const SensorKeyPair* sensor, SocKind kind, std::int64_t number)
 {
-    if (kind != SocKind::other)
-        return std::string(socKindTitle(kind)).append(1, ' ').append(std::to_string(number));
-    return sensor ? std::string(sensor->name) : "Unknown";
+    if (kind == SocKind::other)
+        return sensor ? std::string(sensor->name) : "Unknown";
+    const auto digits = std::to_string(number);
+    std::string title;
+    title.reserve(socKindTitle(kind).size() + 1 + digits.size()); // allocates once, if at all
+    return title.append(socKindTitle(kind)).append(1, ' ').append(digits);
 }
 
 /// Reads the sensors of the SoC one after the other, and counts them.
