@@ -1,10 +1,9 @@
 #include "base/File.h"
 
-#include "base/FileDescriptor.h"
+#include "base/RegularFile.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <fcntl.h>
 #include <sys/stat.h>
 
 namespace orv {
@@ -17,15 +16,10 @@ constexpr std::size_t smallestRead = 4096;
 
 std::optional<std::string> readFile(const std::string& path, std::size_t limit)
 {
-    // Opened without blocking: a FIFO in the file's place must not stop the caller.
-    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const auto file = openRegularFile(path);
     struct stat status{};
     if (!file || ::fstat(file.get(), &status) != 0)
         return std::nullopt;
-    if (!S_ISREG(status.st_mode)) {
-        errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
-        return std::nullopt;
-    }
     std::string content;
     const auto announced = static_cast<std::size_t>(status.st_size);
     if (announced > limit) {

@@ -5,7 +5,7 @@
 #include "bench/BareNames.h"
 #include "bench/support/AppendByHand.h"
 #include "linux/bus/BusHandles.h"
-#include "simulated/MachineFile.h"
+#include "simulated/Recording.h"
 #include "simulated/SimulatedMac.h"
 #include "smc/SMC.h"
 #include "thermal/Collection.h"
@@ -50,10 +50,10 @@ int serve(ThermalDictionary readings)
 int main(int argumentCount, char** arguments)
 {
     std::string fault = "usage: bench-bare MACHINE_FILE";
-    const auto machine = argumentCount == 2 ? readMachineFile(arguments[1], fault) : std::nullopt;
-    if (!machine)
+    const auto recording = argumentCount == 2 ? Recording::open(arguments[1], fault) : std::nullopt;
+    if (!recording)
         return std::fprintf(stderr, "%s\n", fault.c_str()), 2;
-    SimulatedMac mac(*machine);
+    SimulatedMac mac(recording->machine());
     setHardware(mac);
     SMC smc;
     return serve(Orv_SMCHelper::collectIntel(smc));

@@ -152,6 +152,11 @@ std::string deviceKey(std::string address)
     return address;
 }
 
+bool isUsedProperty(std::string_view name)
+{
+    return name == addressProperty || std::ranges::find(levelRules, name, &LevelRule::property) != levelRules.end();
+}
+
 Dictionary batteryLevels(const Dictionary& properties)
 {
     Dictionary levels;

@@ -24,6 +24,8 @@ inline constexpr std::string_view addressProperty = "device_address";
 
 /// The key of the device with an address.
 std::string deviceKey(std::string address);
+/// Whether the walk uses a device's property of this name: its address or one of its levels.
+bool isUsedProperty(std::string_view name);
 /// The levels among a device's properties; those that are no text are passed over.
 Dictionary batteryLevels(const Dictionary& properties);
 

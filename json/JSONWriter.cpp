@@ -15,8 +15,10 @@ namespace {
 
 class Writer {
 public:
-    explicit Writer(KeyOrder keyOrder)
+    Writer(KeyOrder keyOrder, Spacing spacing)
         : order(keyOrder)
+        , colon(spacing == Spacing::none ? ":" : ": ")
+        , comma(spacing == Spacing::none ? "," : ", ")
     {
     }
 
@@ -77,7 +79,7 @@ private:
             std::ranges::sort(members, {}, &Member::key);
         writeContainer('{', '}', members, [&](const Member* member) {
             write(member->key);
-            text += ": ";
+            text += colon;
             write(member->value);
         });
     }
@@ -89,20 +91,22 @@ private:
         std::string_view separator;
         for (const auto& item : items) {
             text += separator;
-            separator = ", ";
+            separator = comma;
             writeItem(item);
         }
         text += end;
     }
 
     const KeyOrder order;
+    const std::string_view colon;
+    const std::string_view comma;
 };
 
 } // namespace
 
-std::string writeJSON(const Value& value, KeyOrder order)
+std::string writeJSON(const Value& value, KeyOrder order, Spacing spacing)
 {
-    Writer writer(order);
+    Writer writer(order, spacing);
     writer.write(value);
     return std::move(writer.text);
 }

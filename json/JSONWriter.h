@@ -7,9 +7,11 @@
 namespace orv {
 
 enum class KeyOrder { asListed, sorted };
+enum class Spacing { afterSeparators, none };
 
 /// A value as JSON text. A double is written in the shortest form that reads back equal, always with a point or an
 /// exponent (40.0), an infinite one as 1e999; integers have neither; text is UTF-8 as it is.
-std::string writeJSON(const Value& value, KeyOrder order);
+/// One line.
+std::string writeJSON(const Value& value, KeyOrder order, Spacing spacing = Spacing::afterSeparators);
 
 } // namespace orv

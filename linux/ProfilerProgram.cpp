@@ -3,7 +3,9 @@
 #include "bluetooth/ZpBluetoothSysProfile.h"
 #include "linux/ProgramPaths.h"
 
+#include <cstdio>
 #include <filesystem>
+#include <utility>
 
 namespace orv {
 
@@ -12,10 +14,17 @@ std::map<std::string, LaunchedProgram> hostProfilerProgram()
     return {{ZpBluetoothSysProfile::profilerPath, {helperProgram("system_profiler"), {}}}};
 }
 
-std::map<std::string, LaunchedProgram> simulatedProfilerProgram(const std::string& machinePath)
+std::map<std::string, LaunchedProgram> simulatedProfilerProgram(
+    const std::string& machinePath, std::function<double()> moment)
 {
+    const auto momentArgument = [moment = std::move(moment)]() -> std::vector<std::string> {
+        char seconds[32];
+        std::snprintf(seconds, sizeof(seconds), "%.17g", moment());
+        return {"--at", seconds};
+    };
     return {{ZpBluetoothSysProfile::profilerPath,
-        {helperProgram("system_profiler"), {"--simulate", std::filesystem::absolute(machinePath).string()}}}};
+        {helperProgram("system_profiler"), {"--simulate", std::filesystem::absolute(machinePath).string()},
+            momentArgument}}};
 }
 
 } // namespace orv

@@ -62,7 +62,8 @@ public:
 std::optional<pid_t> spawn(const LaunchedProgram& program, const std::vector<std::string>& arguments, int output)
 {
     std::vector<char*> words{const_cast<char*>(program.path.c_str())};
-    for (const auto* list : {&arguments, &program.arguments}) {
+    const auto further = program.furtherArguments ? program.furtherArguments() : std::vector<std::string>();
+    for (const auto* list : {&arguments, &program.arguments, &further}) {
         for (const auto& argument : *list)
             words.push_back(const_cast<char*>(argument.c_str()));
     }

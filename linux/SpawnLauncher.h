@@ -3,6 +3,7 @@
 #include "base/FileDescriptor.h"
 #include "platform/ProcessLauncher.h"
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -13,6 +14,7 @@ namespace orv {
 struct LaunchedProgram {
     std::string path;
     std::vector<std::string> arguments; // behind those that the program gives
+    std::function<std::vector<std::string>()> furtherArguments = nullptr; // behind those, asked at each start
 };
 
 /// Runs children with posix_spawn and waits for them on the calling thread. Standard input is /dev/null, standard

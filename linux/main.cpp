@@ -7,7 +7,8 @@
 #include "linux/loop/ProgramEnd.h"
 #include "linux/loop/ThreadStacks.h"
 #include "service/OrvSMCHelperServer.h"
-#include "simulated/MachineFile.h"
+#include "simulated/Recording.h"
+#include "simulated/RecordingPlayer.h"
 #include "simulated/SimulatedPlatform.h"
 
 #include <getopt.h>
@@ -59,7 +60,7 @@ void dieOf(int signalNumber)
 /// The life of the helper, in the order in which a client may rely on it: nothing can be asked before the first
 /// refresh, which the creation of the server performs, has finished.
 int serve(EventRunLoop& runLoop, SpawnLauncher& launcher, Platform& platform, SimulatedPlatform* simulation,
-    Termination termination)
+    RecordingPlayer* player, Termination termination)
 {
     RefreshTimesKeeper times;
     BusService listener(platform.bundle.identifier(), runLoop, times, simulation, std::move(termination));
@@ -69,28 +70,40 @@ int serve(EventRunLoop& runLoop, SpawnLauncher& launcher, Platform& platform, Si
     platform.workspace.registerSleepWakeObservers(times); // first: what is told of a wake is asleep no more
     setSharedPlatform(platform);
     listener.resume(OrvSMCHelperServer::shared());
+    if (player)
+        player->start(runLoop);
     const int status = runLoop.run();
     launcher.stop();
     return status;
 }
 
-int serveSimulated(const std::string& path)
+int serveSimulated(const std::string& path, double from)
 {
     std::string fault;
-    const auto machine = readMachineFile(path, fault);
-    if (!machine) {
+    auto recording = Recording::open(path, fault);
+    if (!recording) {
         std::fprintf(stderr, "orv-smc-helper: %s\n", fault.c_str());
         return 2;
     }
+    if (!recording->notice().empty())
+        std::fprintf(stderr, "orv-smc-helper: %s\n", recording->notice().c_str());
+    if (from > recording->length()) {
+        std::fprintf(stderr, "orv-smc-helper: %s: ends before --from\n", path.c_str());
+        return 2;
+    }
     auto signals = blockTerminationSignals();
-    SpawnLauncher launcher(simulatedProfilerProgram(path));
+    RecordingPlayer* playing = nullptr; // set before the first child is started
+    SpawnLauncher launcher(simulatedProfilerProgram(path, [&playing] { return playing->position(); }));
     EventRunLoop runLoop;
-    SimulatedPlatform simulation(*machine, bundleIdentifier, runLoop, launcher);
+    SimulatedPlatform simulation(recording->machine(), bundleIdentifier, runLoop, launcher);
+    RecordingPlayer player(*recording, simulation);
+    playing = &player;
+    player.skipTo(from);
     const auto terminate = [&simulation](int signalNumber) {
         simulation.bundle.removeContainer();
         dieOf(signalNumber);
     };
-    return serve(runLoop, launcher, simulation.platform, &simulation, {std::move(signals), terminate});
+    return serve(runLoop, launcher, simulation.platform, &simulation, &player, {std::move(signals), terminate});
 }
 
 int serveHost()
@@ -99,7 +112,7 @@ int serveHost()
     SpawnLauncher launcher(hostProfilerProgram());
     EventRunLoop runLoop;
     HostPlatform host(root ? root : "", bundleIdentifier, runLoop, launcher);
-    return serve(runLoop, launcher, host.platform, nullptr, {});
+    return serve(runLoop, launcher, host.platform, nullptr, nullptr, {});
 }
 
 constexpr const char* help =
@@ -109,11 +122,13 @@ Usage: orv-smc-helper [OPTIONS]
 Options:
   -h,--help                   Print this help message and exit
   --version                   Display program version information and exit
-  --simulate FILE             Serve the Mac that a machine file describes instead
+  --simulate FILE             Serve the Mac of a machine file instead, or play a recording
+  --from SECONDS              Begin so many seconds after the recording's beginning
 )";
 
 struct CommandLine {
     const char* machinePath = nullptr;
+    double from = 0; // seconds
     std::optional<int> status; // when there is nothing more to do
 };
 
@@ -125,25 +140,44 @@ int printed(const char* text)
     return 1;
 }
 
+std::optional<double> secondsFrom(const char* text)
+{
+    char* end = nullptr;
+    const double seconds = std::strtod(text, &end);
+    return end != text && *end == '\0' && seconds >= 0 ? std::optional(seconds) : std::nullopt;
+}
+
+CommandLine refused(const char* why, const char* argument)
+{
+    std::fprintf(stderr, "orv-smc-helper: %s%s\n", why, argument);
+    return {.status = 2};
+}
+
 // By getopt, which the C library has anyway: a library for command lines would take a third of this program's memory.
 CommandLine parseCommandLine(int argumentCount, char** arguments)
 {
     const option options[]{{"help", no_argument, nullptr, 'h'}, {"version", no_argument, nullptr, 'v'},
-        {"simulate", required_argument, nullptr, 's'}, {}};
+        {"simulate", required_argument, nullptr, 's'}, {"from", required_argument, nullptr, 'f'}, {}};
     CommandLine commandLine;
     for (int found = 0; (found = getopt_long(argumentCount, arguments, "h", options, nullptr)) != -1;) {
         if (found == 'h')
             return {.status = printed(help)};
         if (found == 'v')
             return {.status = printed("orv-smc-helper " ORV_VERSION "\n")};
-        if (found != 's')
+        if (found == 's')
+            commandLine.machinePath = optarg;
+        else if (found != 'f')
             return {.status = 2}; // getopt has said why
-        commandLine.machinePath = optarg;
+        else if (const auto seconds = secondsFrom(optarg))
+            commandLine.from = *seconds;
+        else
+            return refused("--from: not a number of seconds: ", optarg);
     }
-    if (optind == argumentCount)
-        return commandLine;
-    std::fprintf(stderr, "orv-smc-helper: unexpected argument: %s\n", arguments[optind]);
-    return {.status = 2};
+    if (optind != argumentCount)
+        return refused("unexpected argument: ", arguments[optind]);
+    if (commandLine.from > 0 && !commandLine.machinePath)
+        return refused("--from goes with --simulate", "");
+    return commandLine;
 }
 
 // Of all threads. Nothing here throws, except the standard library for want of memory or descriptors.
@@ -167,5 +201,5 @@ int main(int argumentCount, char** arguments)
         return *commandLine.status;
     std::set_terminate(endForShortage);
     keepThreadStacksSmall();
-    return commandLine.machinePath ? serveSimulated(commandLine.machinePath) : serveHost();
+    return commandLine.machinePath ? serveSimulated(commandLine.machinePath, commandLine.from) : serveHost();
 }

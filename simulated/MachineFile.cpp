@@ -1,13 +1,9 @@
 #include "simulated/MachineFile.h"
 
-#include "base/File.h"
-#include "readings/Text.h"
-#include "smc/FourCharCode.h"
+#include "simulated/MemberChecks.h"
 #include "json/JSONReader.h"
-#include "json/JSONWriter.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 #include <initializer_list>
 #include <set>
@@ -18,26 +14,12 @@ namespace orv {
 
 namespace {
 
-constexpr std::size_t largestMachineFile = 64u << 20;
-constexpr std::size_t largestReading = 32;
+constexpr std::int64_t newestFormat = 1;
 constexpr double longestExchangeDelay = 60'000;
 constexpr std::string_view emptyReport = R"({"SPBluetoothDataType": []})";
 
-// A fault is one line whatever the file holds.
-std::string printable(std::string_view text)
-{
-    std::string result;
-    for (const char character : text.substr(0, 100))
-        result += character >= ' ' && character <= '~' ? character : '?';
-    return result;
-}
-
-/// Checks and converts one file's members. The first fault is kept, with the path of its member; what is returned after
-/// a fault does not matter.
-class MachineReader {
+class MachineReader : public MemberChecks {
 public:
-    std::string fault;
-
     MachineFile read(const Value& document)
     {
         MachineFile machine;
@@ -46,13 +28,15 @@ public:
             refuse("", "the top level is not an object");
             return machine;
         }
-        allowMembers(*top, "", {"description", "sysctl", "exchangeDelay", "smc", "hid", "bluetooth", "watch"});
+        allowMembers(
+            *top, "", {"format", "description", "sysctl", "exchangeDelay", "smc", "hid", "bluetooth", "watch"});
+        readFormat(top->find("format"));
         if (const auto* description = top->find("description"))
             machine.description = text(*description, "description");
         readSystemValues(top->find("sysctl"), machine);
         if (const auto* delay = top->find("exchangeDelay"))
-            machine.exchangeDelay =
-                decltype(machine.exchangeDelay)(numberWithin(*delay, "exchangeDelay", 0, longestExchangeDelay));
+            machine.exchangeDelay = decltype(machine.exchangeDelay)(
+                numberWithin(*delay, "exchangeDelay", 0, longestExchangeDelay, "from 0 to 60000 (milliseconds)"));
         if (const auto* smc = top->find("smc"))
             readSMC(*smc, machine);
         if (const auto* hid = top->find("hid"))
@@ -65,61 +49,13 @@ public:
     }
 
 private:
-    void refuse(const std::string& member, const std::string& what)
+    void readFormat(const Value* format)
     {
-        if (fault.empty())
-            fault = member.empty() ? what : member + ": " + what;
-    }
-
-    void allowMembers(
-        const Dictionary& dictionary, const std::string& path, std::initializer_list<std::string_view> known)
-    {
-        for (const auto& [key, value] : dictionary) {
-            if (std::ranges::find(known, key) == known.end())
-                refuse(path + printable(key), "unknown member");
-        }
-    }
-
-    static std::string verbatim(const Value& value)
-    {
-        const auto* text = value.as<std::string>();
-        return text ? *text : writeJSON(value, KeyOrder::asListed);
-    }
-
-    std::string text(const Value& value, const std::string& member)
-    {
-        const auto* text = value.as<std::string>();
-        if (!text)
-            refuse(member, "not a text");
-        return text ? *text : "";
-    }
-
-    std::optional<std::int64_t> integer(
-        const Value& value, const std::string& member, std::int64_t low, std::int64_t high)
-    {
-        const auto* number = value.as<std::int64_t>();
-        if (number && *number >= low && *number <= high)
-            return *number;
-        refuse(member, "not a whole number from " + std::to_string(low) + " to " + std::to_string(high));
-        return std::nullopt;
-    }
-
-    std::optional<double> number(const Value& value)
-    {
-        if (const auto* integer = value.as<std::int64_t>())
-            return static_cast<double>(*integer);
-        if (const auto* natural = value.as<std::uint64_t>())
-            return static_cast<double>(*natural);
-        const auto* real = value.as<double>();
-        return real ? std::optional(*real) : std::nullopt;
-    }
-
-    double numberWithin(const Value& value, const std::string& member, double low, double high)
-    {
-        const auto found = number(value);
-        if (!found || *found < low || *found > high)
-            refuse(member, "not a number from 0 to 60000 (milliseconds)");
-        return found.value_or(0);
+        const auto* number = format ? format->as<std::int64_t>() : nullptr;
+        if (number && *number > newestFormat)
+            refuse("format", std::to_string(*number) + " is newer than this program, which knows 1");
+        else if (format && (!number || *number < 1))
+            refuse("format", "not a whole number from 1 on");
     }
 
     void readSystemValues(const Value* sysctl, MachineFile& machine)
@@ -130,7 +66,7 @@ private:
             return;
         }
         for (const auto& [name, value] : *values) {
-            const auto member = "sysctl." + printable(name);
+            const auto member = "sysctl." + printableASCII(name);
             if (const auto* text = value.as<std::string>())
                 machine.systemValues[name] = *text + '\0';
             else if (const auto number = integer(value, member, INT32_MIN, UINT32_MAX))
@@ -171,7 +107,7 @@ private:
             return row;
         }
         allowMembers(*members, path + ".", {"key", "type", "bytes", "size", "fails"});
-        row.key = fourCharacters(*members->find("key"), path + ".key", 0x20, 0x7E);
+        row.key = smcKey(*members->find("key"), path + ".key");
         if (const auto* type = members->find("type"))
             row.type = fourCharacters(*type, path + ".type", 0x00, 0xFF);
         if (const auto* bytes = members->find("bytes"))
@@ -181,23 +117,6 @@ private:
         if (const auto* fails = members->find("fails"))
             row.fails = truth(*fails, path + ".fails");
         return row;
-    }
-
-    std::uint32_t fourCharacters(const Value& value, const std::string& member, char32_t low, char32_t high)
-    {
-        std::uint32_t code = 0;
-        std::size_t count = 0;
-        const auto content = text(value, member);
-        for (std::string_view rest = content; !rest.empty(); ++count) {
-            const auto [character, length] = decodeCharacter(rest);
-            if (!character || *character < low || *character > high)
-                refuse(member, "has a character that no such code holds");
-            code = code << 8 | static_cast<std::uint8_t>(character.value_or(0));
-            rest.remove_prefix(length);
-        }
-        if (count != 4)
-            refuse(member, "not four characters");
-        return code;
     }
 
     std::vector<SMCReading> readings(const Value& value, const std::string& member)
@@ -211,36 +130,6 @@ private:
         for (std::size_t index = 0; index < list->size(); ++index)
             result.push_back(reading((*list)[index], member + "[" + std::to_string(index) + "]"));
         return result;
-    }
-
-    SMCReading reading(const Value& value, const std::string& member)
-    {
-        SMCReading result;
-        const auto digits = text(value, member);
-        if (digits.size() % 2 != 0)
-            refuse(member, "an odd number of hexadecimal digits");
-        if (digits.size() > 2 * largestReading)
-            refuse(member, "more than 32 bytes");
-        for (std::size_t index = 0; index + 1 < digits.size(); index += 2)
-            result.bytes += static_cast<char>(nibble(digits[index], member) << 4 | nibble(digits[index + 1], member));
-        return result;
-    }
-
-    int nibble(char digit, const std::string& member)
-    {
-        constexpr std::string_view lower = "0123456789abcdef";
-        const auto value = lower.find(digit >= 'A' && digit <= 'F' ? static_cast<char>(digit - 'A' + 'a') : digit);
-        if (value == std::string_view::npos)
-            refuse(member, "not hexadecimal");
-        return value == std::string_view::npos ? 0 : static_cast<int>(value);
-    }
-
-    bool truth(const Value& value, const std::string& member)
-    {
-        const auto* found = value.as<bool>();
-        if (!found)
-            refuse(member, "neither true nor false");
-        return found && *found;
     }
 
     void readHID(const Value& hid, MachineFile& machine)
@@ -265,11 +154,11 @@ private:
         allowMembers(*members, path + ".", {"locationID", "temperature"});
         if (const auto* location = members->find("locationID")) {
             row.locationID = *location;
-            if (!number(*location) && !location->as<std::string>())
+            if (!numberOf(*location) && !location->as<std::string>())
                 refuse(path + ".locationID", "neither a number nor a text");
         }
         if (const auto* temperature = members->find("temperature")) {
-            row.temperature = number(*temperature);
+            row.temperature = numberOf(*temperature);
             if (!row.temperature)
                 refuse(path + ".temperature", "not a number");
         }
@@ -283,22 +172,13 @@ std::optional<MachineFile> parseMachine(std::string_view bytes, std::string& fau
 {
     const auto document = parseStrictJSON(bytes, fault);
     if (!document) {
-        fault = printable(fault);
+        fault = printableASCII(fault);
         return std::nullopt;
     }
     MachineReader reader;
     auto machine = reader.read(*document);
     fault = reader.fault;
     return fault.empty() ? std::optional(std::move(machine)) : std::nullopt;
-}
-
-std::optional<MachineFile> readMachineFile(const std::string& path, std::string& fault)
-{
-    const auto bytes = readFile(path, largestMachineFile);
-    auto machine = bytes ? parseMachine(*bytes, fault) : std::nullopt;
-    if (!machine)
-        fault = path + ": " + (bytes ? fault : std::strerror(errno));
-    return machine;
 }
 
 } // namespace orv

@@ -30,7 +30,7 @@ struct HIDRow {
     std::optional<double> temperature; // degrees Celsius; absent: a service without an event
 };
 
-/// A whole Mac, as a machine file describes it. README.md documents the format.
+/// A whole Mac, as a machine file describes it. orv-machine-file(5) documents the format.
 struct MachineFile {
     std::string description;
     std::map<std::string, std::string> systemValues; // the bytes that sysctl answers, a text's with its NUL
@@ -44,8 +44,5 @@ struct MachineFile {
 /// Reads the content of a machine file. When it cannot be used, `fault` is one line that names the member and what is
 /// wrong.
 std::optional<MachineFile> parseMachine(std::string_view bytes, std::string& fault);
-
-/// Reads a machine file. When it cannot be used, `fault` is one line that names the file, the member and what is wrong.
-std::optional<MachineFile> readMachineFile(const std::string& path, std::string& fault);
 
 } // namespace orv

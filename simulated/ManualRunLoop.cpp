@@ -65,6 +65,17 @@ void ManualRunLoop::advance(Seconds time)
     now = end;
 }
 
+void ManualRunLoop::advanceTo(TimerQueue::Instant time)
+{
+    takePosted();
+    for (auto deadline = timers.nextDeadline(); deadline && *deadline < time; deadline = timers.nextDeadline()) {
+        now = std::max(now, *deadline);
+        timers.runDue(now);
+        takePosted();
+    }
+    now = std::max(now, time);
+}
+
 // Posted work runs in its order, after what is due already.
 void ManualRunLoop::takePosted()
 {

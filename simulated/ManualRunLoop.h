@@ -21,6 +21,8 @@ public:
 
     /// Lets time pass, running what falls due at the instant at which it does.
     void advance(Seconds time);
+    /// Lets time pass until a time, short of what is due then.
+    void advanceTo(TimerQueue::Instant time);
     /// Runs what is due now.
     void runPending() { advance(Seconds::zero()); }
 

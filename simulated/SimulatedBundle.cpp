@@ -44,6 +44,7 @@ bool writeFile(const std::string& path, const std::string& content)
 
 SimulatedBundle::SimulatedBundle(std::string givenIdentifier, std::optional<std::string> givenWatchFile)
     : bundleIdentifier(std::move(givenIdentifier))
+    , hasCompanion(givenWatchFile.has_value())
     , watchFile(std::move(givenWatchFile))
     , paths{.container = containerTemplate()}
 {
@@ -56,7 +57,7 @@ SimulatedBundle::~SimulatedBundle()
 
 std::vector<std::string> SimulatedBundle::resources(const std::string& extension) const
 {
-    if (!watchFile || extension != "app")
+    if (!hasCompanion || extension != "app")
         return {};
     return {"Companion.app"};
 }
@@ -78,6 +79,25 @@ void SimulatedBundle::runCompanion()
         return;
     if (writeFile(paths.unfinished, *watchFile))
         std::rename(paths.unfinished.c_str(), paths.file.c_str());
+}
+
+void SimulatedBundle::setWatchFile(std::optional<std::string> content)
+{
+    hasCompanion = hasCompanion || content;
+    {
+        const std::lock_guard lock(mutex);
+        watchFile.swap(content);
+        if (!watchFile && state == State::present)
+            std::remove(paths.file.c_str());
+    }
+    if (isKeptWritten)
+        runCompanion();
+}
+
+void SimulatedBundle::keepWatchFileWritten()
+{
+    isKeptWritten = true;
+    runCompanion();
 }
 
 void SimulatedBundle::removeContainer()

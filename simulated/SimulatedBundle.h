@@ -25,6 +25,11 @@ public:
 
     /// What the companion does when it is opened: writes its file in one step, or leaves it as it is.
     void runCompanion();
+    /// What it writes from now on; a machine that is given a content has a companion. Nothing: the file goes, and the
+    /// companion writes none.
+    void setWatchFile(std::optional<std::string> content);
+    /// From now on the file stands there as soon as there is a content, without a companion.
+    void keepWatchFileWritten();
     /// Removes the container, which the companion's first run creates. Any thread; no companion runs afterwards.
     void removeContainer();
 
@@ -32,10 +37,12 @@ private:
     bool makeContainer() ORV_REQUIRES(mutex);
 
     const std::string bundleIdentifier;
-    const std::optional<std::string> watchFile;
+    bool hasCompanion;
+    bool isKeptWritten = false;
 
     // Nothing allocates while the mutex is held: when memory runs out, the container is still to be removed.
     mutable std::mutex mutex;
+    std::optional<std::string> watchFile ORV_GUARDED_BY(mutex);
     enum class State { absent, present, removed } state ORV_GUARDED_BY(mutex) = State::absent;
     struct Paths {
         std::string container;

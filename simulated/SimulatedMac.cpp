@@ -140,6 +140,20 @@ bool SimulatedMac::setFanSpeed(std::string_view key, double speed)
     return std::isfinite(speed) && setSMCValue(key, 'F', speed);
 }
 
+void SimulatedMac::apply(const RecordingStep& step)
+{
+    for (const auto& [name, bytes] : step.smc) {
+        auto& key = *findKey(name);
+        key.row.fails = !bytes;
+        if (!bytes)
+            continue;
+        key.row.readings = {{*bytes}};
+        key.next = 0;
+    }
+    for (const auto& [service, degrees] : step.hid)
+        machine.hid[service].temperature = degrees;
+}
+
 std::uint32_t SimulatedMac::Key::size() const
 {
     return row.size.value_or(static_cast<std::uint32_t>(row.readings[next].bytes.size()));

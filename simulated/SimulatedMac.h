@@ -2,7 +2,7 @@
 
 #include "hardware/Hardware.h"
 #include "platform/HIDEventSystem.h"
-#include "simulated/MachineFile.h"
+#include "simulated/Recording.h"
 
 #include <map>
 #include <string>
@@ -29,6 +29,9 @@ public:
     bool setTemperature(std::string_view key, double degrees);
     /// The same for an SMC key that begins with "F", in revolutions per minute.
     bool setFanSpeed(std::string_view key, double speed);
+
+    /// Takes over what a step says of the SMC and of the HID services, which are this machine's.
+    void apply(const RecordingStep& step);
 
 private:
     struct Key {

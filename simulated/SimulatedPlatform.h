@@ -16,7 +16,8 @@ struct SimulatedPlatform {
     /// Puts the Mac behind the IOKit and sysctl calls. A fatal stop leaves no container behind.
     SimulatedPlatform(
         const MachineFile& machine, const std::string& identifier, RunLoop& runLoop, ProcessLauncher& processLauncher)
-        : mac(machine)
+        : profilerOutput(machine.profilerOutput)
+        , mac(machine)
         , bundle(identifier, machine.watchFile)
         , platform{runLoop, workspace, bluetoothEvents, processLauncher, bundle, mac}
     {
@@ -28,6 +29,12 @@ struct SimulatedPlatform {
     SimulatedPlatform(const SimulatedPlatform&) = delete;
     SimulatedPlatform& operator=(const SimulatedPlatform&) = delete;
 
+    /// Takes over what a step says is different, and leaves out what happened then.
+    void apply(const RecordingStep& step);
+    /// Tells what happened.
+    void announce(RecordedEvent event);
+
+    std::string profilerOutput; // what the profiler prints now
     SimulatedMac mac;
     SimulatedWorkspace workspace;
     SimulatedBluetoothEvents bluetoothEvents;

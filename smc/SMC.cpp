@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <functional>
 
 namespace orv {
 
@@ -111,14 +112,14 @@ kern_return_t SMC::read(SMCVal& val)
     return KERN_SUCCESS;
 }
 
-std::vector<std::string> SMC::buildKeysList()
+std::vector<std::string> SMC::readKeyNames()
 {
     const auto value = getValue("#KEY");
     if (!value)
         return {};
     const auto count = keyCount(*value);
     std::vector<std::string> keys;
-    // The index one past the last key is asked for too; whatever it names is filtered like any other.
+    // The index one past the last key is asked for too; whatever it names is a name like any other.
     for (std::int64_t index = 0; index <= count; ++index) {
         SMCParamBlock input{};
         SMCParamBlock output{};
@@ -126,10 +127,15 @@ std::vector<std::string> SMC::buildKeysList()
         input.data32 = static_cast<std::uint32_t>(index);
         if (exchange(conn, input, output) != KERN_SUCCESS)
             continue;
-        auto key = fourCharString(output.key);
-        if (isTemperatureOrFanKey(key))
-            keys.push_back(std::move(key));
+        keys.push_back(fourCharString(output.key));
     }
+    return keys;
+}
+
+std::vector<std::string> SMC::buildKeysList()
+{
+    auto keys = readKeyNames();
+    std::erase_if(keys, std::not_fn(isTemperatureOrFanKey));
     return keys;
 }
 

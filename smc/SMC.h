@@ -35,6 +35,10 @@ public:
     /// Fills size, type and bytes of a key of four characters; otherwise returns the first failing exchange's code.
     virtual kern_return_t read(SMCVal& val);
 
+protected:
+    /// The names that the SMC gives its indexes, from 0 to one past its last key.
+    virtual std::vector<std::string> readKeyNames();
+
 private:
     std::vector<std::string> buildKeysList();
 };

@@ -147,4 +147,24 @@ std::optional<double> decodeValue(const SMCVal& val)
     return decoded.fault == SMCValueFault::none ? std::optional(decoded.number) : std::nullopt;
 }
 
+std::size_t bytesOfNumber(const SMCVal& val)
+{
+    const auto* format = val.dataSize == 0 ? nullptr : smcValueFormat(val.dataType);
+    if (!format || (format->requiredSize != 0 && format->requiredSize != val.dataSize))
+        return 0;
+    switch (format->form) {
+    case none:
+        return 0;
+    case unsigned8:
+        return 1;
+    case unsigned16:
+    case signed16:
+        return 2;
+    case unsigned32:
+    case float32:
+        return 4;
+    }
+    return 0;
+}
+
 } // namespace orv

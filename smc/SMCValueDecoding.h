@@ -3,6 +3,7 @@
 #include "smc/SMCVal.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -87,5 +88,8 @@ DecodedValue decode(const SMCVal& val);
 
 /// The value as a number; nothing when it is none.
 std::optional<double> decodeValue(const SMCVal& val);
+
+/// How many of its first bytes the reading of a value uses; 0 when no number can come of its type and size.
+std::size_t bytesOfNumber(const SMCVal& val);
 
 } // namespace orv

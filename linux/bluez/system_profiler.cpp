@@ -1,8 +1,9 @@
 // Stands behind the system profiler's path: prints a Bluetooth report in the layout of that tool, about this computer
-// or about the simulated Mac of a machine file: system_profiler SPBluetoothDataType -json [--simulate FILE]
+// or about the simulated Mac of a machine file: system_profiler SPBluetoothDataType -json [--simulate FILE --at
+// SECONDS]
 
 #include "linux/bluez/BluetoothDevices.h"
-#include "simulated/MachineFile.h"
+#include "simulated/Recording.h"
 #include "json/JSONWriter.h"
 
 #include <cstdio>
@@ -20,12 +21,12 @@ int print(const std::string& report)
     return isWritten && std::fflush(stdout) == 0 ? 0 : 1;
 }
 
-int printSimulatedReport(const char* path)
+int printSimulatedReport(const char* path, double moment)
 {
     std::string fault;
-    const auto machine = readMachineFile(path, fault);
-    if (machine)
-        return print(machine->profilerOutput);
+    auto recording = Recording::open(path, fault);
+    if (recording)
+        return print(recording->profilerOutputAt(moment));
     std::fprintf(stderr, "system_profiler: %s\n", fault.c_str());
     return 2;
 }
@@ -41,6 +42,8 @@ int printHostReport()
 
 int main(int argumentCount, char** arguments)
 {
-    const bool isSimulated = argumentCount > 2 && std::string_view(arguments[argumentCount - 2]) == "--simulate";
-    return isSimulated ? printSimulatedReport(arguments[argumentCount - 1]) : printHostReport();
+    const bool isSimulated = argumentCount > 4 && std::string_view(arguments[argumentCount - 4]) == "--simulate";
+    if (!isSimulated)
+        return printHostReport();
+    return printSimulatedReport(arguments[argumentCount - 3], std::strtod(arguments[argumentCount - 1], nullptr));
 }

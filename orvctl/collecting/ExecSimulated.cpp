@@ -1,3 +1,6 @@
+#include "orvctl/collecting/EnterSimulation.h"
+#include "orvctl/collecting/RecordSimulatedMac.h"
+#include "orvctl/collecting/Replay.h"
 #include "orvctl/collecting/SimulatedClient.h"
 #include "orvctl/collecting/SimulatedInspection.h"
 #include "orvctl/collecting/SimulatedWatch.h"
@@ -28,32 +31,45 @@ std::filesystem::path ownFile()
     return std::filesystem::canonical(path.c_str(), error);
 }
 
+} // namespace
+
 // This program is linked with the calls of the Mac it runs on. The one that is linked with the simulated ones takes
 // its place, with the same arguments, and normally never comes back from there.
-std::string runSimulated()
+std::optional<std::string> enterSimulation()
 {
     const auto program = ownFile().parent_path().parent_path() / "libexec/orv/orvctl-simulated";
     execv(program.c_str(), *_NSGetArgv());
     return program.string() + ": " + std::strerror(errno);
 }
 
-} // namespace
-
-ServiceAnswer askSimulatedMac(Request, const std::string&)
+ServiceAnswer askSimulatedMac(Request, const SimulatedMoment&)
 {
-    return {std::nullopt, runSimulated()};
+    return {std::nullopt, *enterSimulation()};
 }
 
-InspectionAnswer inspectSimulatedMac(const std::string&, const std::vector<std::string>&)
+InspectionAnswer inspectSimulatedMac(const SimulatedMoment&, const std::vector<std::string>&)
 {
-    return {std::nullopt, runSimulated()};
+    return {std::nullopt, *enterSimulation()};
 }
 
 std::string watchSimulatedMac(const std::string&, ServiceWatcher&, int)
 {
-    return runSimulated();
+    return *enterSimulation();
 }
 
 void cleanAfterSimulatedMac() { }
+
+std::optional<std::string> recordSimulatedMac(
+    const std::string&, const std::function<void(const std::string& text)>&, const RecordingPlan&, std::string& fault)
+{
+    fault = *enterSimulation();
+    return std::nullopt;
+}
+
+bool replay(const ReplayPlan&, const std::function<bool(const std::string& line)>&, std::string& fault)
+{
+    fault = *enterSimulation();
+    return false;
+}
 
 } // namespace orv

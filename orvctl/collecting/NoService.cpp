@@ -1,4 +1,5 @@
 #include "explain/ThisMac.h"
+#include "recording/ThisMac.h"
 #include "service/Client.h"
 #include "service/Watching.h"
 
@@ -24,6 +25,11 @@ std::string watchService(ServiceWatcher&, int)
 InspectionAnswer inspectThisMac(const std::vector<std::string>&)
 {
     return {std::nullopt, refusal};
+}
+
+std::string recordThisMac(const std::function<void(const std::string& text)>&, const RecordingPlan&)
+{
+    return {};
 }
 
 } // namespace orv

@@ -3,10 +3,8 @@
 #include "bluetooth/BluetoothReadings.h"
 #include "bluetooth/OrvBluetoothAppleWatch.h"
 #include "bluetooth/OrvBluetoothSysProfile.h"
-#include "orvctl/collecting/SimulatedProfiler.h"
+#include "orvctl/collecting/OpenSimulatedMac.h"
 #include "service/ValueSink.h"
-#include "simulated/ManualRunLoop.h"
-#include "simulated/SimulatedPlatform.h"
 #include "smc/SMC.h"
 #include "thermal/Collection.h"
 
@@ -19,42 +17,39 @@ namespace {
 // On the manual clock the companion's five seconds pass at once.
 constexpr Seconds untilWatchFileIsRead{5.0};
 
-BluetoothBatteryDictionary collectBluetoothReadings(SimulatedPlatform& simulation, ManualRunLoop& runLoop)
+BluetoothBatteryDictionary collectBluetoothReadings(RecordedMac& mac)
 {
-    const auto watch = OrvBluetoothAppleWatch::create(simulation.platform);
-    runLoop.advance(untilWatchFileIsRead);
-    simulation.bundle.removeContainer(); // before the profiler runs: however that ends, no folder is left behind
-    const auto monitor = OrvBluetoothSysProfile::create(simulation.platform);
-    runLoop.runPending();
+    const auto watch = OrvBluetoothAppleWatch::create(mac.simulation.platform);
+    mac.runLoop.advance(untilWatchFileIsRead);
+    mac.simulation.bundle.removeContainer(); // at once: however this program ends, no folder is left behind
+    const auto monitor = OrvBluetoothSysProfile::create(mac.simulation.platform);
+    mac.runLoop.runPending();
     return bluetoothReadings(monitor->systemBlueToothDictionary, watch->systemBlueToothDictionary);
 }
 
-void writeCollected(Request request, SimulatedPlatform& simulation, ManualRunLoop& runLoop, ReplySink& sink)
+void writeCollected(Request request, RecordedMac& mac, ReplySink& sink)
 {
     switch (request) {
     case Request::thermal: {
         SMC smc;
         const OrvTemperatureFans profile;
-        return writeThermalReply(Orv_SMCHelper::collectThermalReadings(profile, smc, simulation.mac), sink);
+        return writeThermalReply(Orv_SMCHelper::collectThermalReadings(profile, smc, mac.simulation.mac), sink);
     }
     case Request::bluetooth:
-        return writeBluetoothReply(collectBluetoothReadings(simulation, runLoop), sink, propertyListLimits);
+        return writeBluetoothReply(collectBluetoothReadings(mac), sink, propertyListLimits);
     }
 }
 
 } // namespace
 
-ServiceAnswer askSimulatedMac(Request request, const std::string& machinePath)
+ServiceAnswer askSimulatedMac(Request request, const SimulatedMoment& moment)
 {
     std::string fault;
-    const auto machine = readMachineFile(machinePath, fault);
-    if (!machine)
+    const auto mac = openSimulatedMac(moment, fault);
+    if (!mac)
         return {std::nullopt, fault};
-    ManualRunLoop runLoop;
-    const auto profiler = simulatedProfiler(*machine, machinePath);
-    SimulatedPlatform simulation(*machine, "", runLoop, *profiler);
     ValueSink sink;
-    writeCollected(request, simulation, runLoop, sink);
+    writeCollected(request, *mac, sink);
     return {sink.take(), {}};
 }
 

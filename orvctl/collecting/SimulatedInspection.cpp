@@ -1,22 +1,18 @@
 #include "orvctl/collecting/SimulatedInspection.h"
 
-#include "orvctl/collecting/SimulatedProfiler.h"
-#include "simulated/ManualRunLoop.h"
-#include "simulated/SimulatedPlatform.h"
+#include "orvctl/collecting/OpenSimulatedMac.h"
 
 namespace orv {
 
-InspectionAnswer inspectSimulatedMac(const std::string& machinePath, const std::vector<std::string>& wantedKeys)
+InspectionAnswer inspectSimulatedMac(const SimulatedMoment& moment, const std::vector<std::string>& wantedKeys)
 {
     std::string fault;
-    const auto machine = readMachineFile(machinePath, fault);
-    if (!machine)
+    const auto mac = openSimulatedMac(moment, fault);
+    if (!mac)
         return {std::nullopt, fault};
-    ManualRunLoop runLoop;
-    const auto profiler = simulatedProfiler(*machine, machinePath);
-    SimulatedPlatform simulation(*machine, "", runLoop, *profiler);
+    auto& simulation = mac->simulation;
     simulation.bundle.runCompanion(); // no companion is opened: this puts the file there
-    return {InspectedMac{inspect({simulation.mac, *profiler, simulation.bundle}, wantedKeys), {}}, {}};
+    return {InspectedMac{inspect({simulation.mac, mac->profiler, simulation.bundle}, wantedKeys), {}}, {}};
 }
 
 } // namespace orv

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "explain/ThisMac.h"
+#include "orvctl/collecting/SimulatedClient.h"
 
 #include <string>
 #include <vector>
@@ -8,6 +9,6 @@
 namespace orv {
 
 /// Inspects the Mac of a machine file. Its `watch` counts as the watch file as it stands.
-InspectionAnswer inspectSimulatedMac(const std::string& machinePath, const std::vector<std::string>& wantedKeys);
+InspectionAnswer inspectSimulatedMac(const SimulatedMoment& moment, const std::vector<std::string>& wantedKeys);
 
 } // namespace orv

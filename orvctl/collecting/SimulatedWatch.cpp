@@ -2,14 +2,12 @@
 
 #include "bluetooth/OrvBluetoothAppleWatch.h"
 #include "bluetooth/OrvBluetoothSysProfile.h"
+#include "orvctl/collecting/OpenSimulatedMac.h"
 #include "orvctl/collecting/ReaderWait.h"
-#include "orvctl/collecting/SimulatedProfiler.h"
 #include "platform/RefreshObserver.h"
 #include "service/OrvSMCHelperServer.h"
 #include "service/Replies.h"
 #include "service/ValueSink.h"
-#include "simulated/ManualRunLoop.h"
-#include "simulated/SimulatedPlatform.h"
 #include "smc/SMC.h"
 #include "thermal/OrvTemperatureFans.h"
 
@@ -59,9 +57,9 @@ private:
 /// A Mac on a manual clock that follows the real one.
 class SimulatedWatch {
 public:
-    SimulatedWatch(const MachineFile& machine, const std::string& machinePath)
-        : profiler(simulatedProfiler(machine, machinePath))
-        , simulation(machine, "", runLoop, *profiler)
+    explicit SimulatedWatch(RecordedMac& mac)
+        : recorded(mac)
+        , simulation(mac.simulation)
     {
         watchedBundle = &simulation.bundle;
         simulation.platform.refreshObserver = &times;
@@ -71,13 +69,14 @@ public:
                 [this]() -> const OrvTemperatureFans& { return made(profile); },
                 [this]() -> OrvBluetoothSysProfile& { return *made(systemProfile, simulation.platform); },
                 [this]() -> OrvBluetoothAppleWatch& { return *made(watch, simulation.platform); }});
+        recorded.player.begin();
     }
     /// Ends the cycle of the watch's reader, which keeps the reader alive until then.
     ~SimulatedWatch()
     {
         watchedBundle = nullptr;
         server.reset();
-        runLoop.advance(OrvSMCHelperServer::reloadInterval);
+        recorded.runLoop.advance(OrvSMCHelperServer::reloadInterval);
     }
     SimulatedWatch(const SimulatedWatch&) = delete;
     SimulatedWatch& operator=(const SimulatedWatch&) = delete;
@@ -85,7 +84,7 @@ public:
     /// Lets as much time pass as has passed, and tells of it.
     bool step(Clock::duration time, ServiceWatcher& watcher)
     {
-        runLoop.advance(time);
+        recorded.player.playTo(recorded.player.position() + Seconds(time).count(), recorded.runLoop);
         if (!std::exchange(times.isRefreshed, false))
             return watcher.nothingArrived(times.timing());
         const auto thermal = reply([&](ReplySink& sink) { writeThermalReply(*server->smcData.take(), sink); });
@@ -116,9 +115,8 @@ private:
     }
 
     SimulatedTimes times;
-    ManualRunLoop runLoop;
-    std::unique_ptr<ProcessLauncher> profiler;
-    SimulatedPlatform simulation;
+    RecordedMac& recorded;
+    SimulatedPlatform& simulation;
     SMC smc;
     std::optional<OrvTemperatureFans> profile;
     std::shared_ptr<OrvBluetoothSysProfile> systemProfile;
@@ -131,10 +129,10 @@ private:
 std::string watchSimulatedMac(const std::string& machinePath, ServiceWatcher& watcher, int output)
 {
     std::string fault;
-    const auto machine = readMachineFile(machinePath, fault);
-    if (!machine)
+    const auto mac = openSimulatedMac({machinePath}, fault);
+    if (!mac)
         return fault;
-    SimulatedWatch watched(*machine, machinePath);
+    SimulatedWatch watched(*mac);
     auto shown = Clock::now();
     for (bool isWanted = watched.step({}, watcher); isWanted && waitWhileRead(output, shown + interval);) {
         // What was missed, while this program was stopped, is made up for by one output.

@@ -17,8 +17,10 @@ void addThermal(CLI::App& application, Run& run);
 void addBluetooth(CLI::App& application, Run& run);
 void addWatch(CLI::App& application, Run& run);
 void addExplain(CLI::App& application, Run& run);
+void addRecord(CLI::App& application, Run& run);
+void addReplay(CLI::App& application, Run& run);
 
 /// In the order in which --help lists them.
-inline constexpr std::array allCommands{addThermal, addBluetooth, addWatch, addExplain};
+inline constexpr std::array allCommands{addThermal, addBluetooth, addWatch, addExplain, addRecord, addReplay};
 
 } // namespace orv

@@ -1,5 +1,6 @@
 #include "orvctl/collecting/SimulatedInspection.h"
 #include "orvctl/commands/Commands.h"
+#include "orvctl/commands/ShowReply.h"
 #include "orvctl/views/ExplanationJSON.h"
 #include "orvctl/views/ExplanationText.h"
 #include "orvctl/views/Terminal.h"
@@ -22,7 +23,7 @@ struct Options {
     bool missing = false;
     bool shown = false;
     bool json = false;
-    std::optional<std::string> machinePath;
+    SimulatedMoment moment;
 };
 
 Filter filterOf(const Options& options)
@@ -42,10 +43,10 @@ std::vector<Answer> answersTo(const Options& options, const Explanation& explana
 
 int explainMac(const Options& options)
 {
-    auto [mac, error] = options.machinePath ? inspectSimulatedMac(*options.machinePath, options.subjects)
-                                            : inspectThisMac(options.subjects);
+    auto [mac, error] =
+        options.moment.path ? inspectSimulatedMac(options.moment, options.subjects) : inspectThisMac(options.subjects);
     if (!mac)
-        return complain(error, options.machinePath ? 2 : 1);
+        return complain(error, options.moment.path ? 2 : 1);
     auto explanation = explain(mac->inspection);
     auto& obstacles = explanation.machine.obstacles;
     obstacles.insert(obstacles.begin(), mac->obstacles.begin(), mac->obstacles.end());
@@ -69,8 +70,7 @@ void addExplain(CLI::App& application, Run& run)
     auto* missing = command->add_flag("--missing", options->missing, "Only what is missing");
     command->add_flag("--shown", options->shown, "Only what is shown")->excludes(missing);
     command->add_flag("--json", options->json, "Print the explanation as JSON (schema orv.explain/1)");
-    command->add_option("--simulate", options->machinePath, "Explain the Mac that a machine file describes")
-        ->type_name("FILE");
+    addSimulationOptions(*command, options->moment);
     command->callback([=, &run] { run = [=] { return explainMac(*options); }; });
 }
 

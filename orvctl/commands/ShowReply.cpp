@@ -12,14 +12,14 @@ namespace {
 
 struct Options {
     bool json = false;
-    std::optional<std::string> machinePath;
+    SimulatedMoment moment;
 };
 
 int show(Request request, const ReplyView& view, const Options& options)
 {
-    const auto answer = options.machinePath ? askSimulatedMac(request, *options.machinePath) : askService(request);
+    const auto answer = options.moment.path ? askSimulatedMac(request, options.moment) : askService(request);
     if (!answer.reply)
-        return complain(answer.error, options.machinePath ? 2 : 1);
+        return complain(answer.error, options.moment.path ? 2 : 1);
     if (options.json)
         return print(writeJSON(*answer.reply, KeyOrder::sorted) + '\n');
     const auto* readings = answer.reply->as<Dictionary>();
@@ -29,12 +29,22 @@ int show(Request request, const ReplyView& view, const Options& options)
 
 } // namespace
 
+void addSimulationOptions(CLI::App& command, SimulatedMoment& moment)
+{
+    auto* simulate =
+        command.add_option("--simulate", moment.path, "Collect from a machine file or recording, without any service")
+            ->type_name("FILE");
+    command.add_option("--at", moment.at, "At so many seconds of the recording")
+        ->type_name("SECONDS")
+        ->check(CLI::NonNegativeNumber)
+        ->needs(simulate);
+}
+
 void addReplyOptions(CLI::App& command, Run& run, Request request, ReplyView view)
 {
     const auto options = std::make_shared<Options>();
     command.add_flag("--json", options->json, "Print the reply exactly, as JSON");
-    command.add_option("--simulate", options->machinePath, "Collect from a machine file, without any service")
-        ->type_name("FILE");
+    addSimulationOptions(command, options->moment);
     command.callback([=, &run] { run = [=] { return show(request, view, *options); }; });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "orvctl/collecting/SimulatedClient.h"
 #include "orvctl/commands/Commands.h"
 #include "orvctl/views/Terminal.h"
 #include "service/Client.h"
@@ -12,6 +13,9 @@ struct ReplyView {
     std::string (*table)(const Dictionary& reply, Colour colour);
     std::string (*age)(const ServiceTiming& timing); // what is said below a table of old readings
 };
+
+/// Gives a command that can collect from a file the options that say from which and at which moment.
+void addSimulationOptions(CLI::App& command, SimulatedMoment& moment);
 
 /// Gives a command that shows one reply its options: as a table or as JSON, of the service or of a machine file.
 void addReplyOptions(CLI::App& command, Run& run, Request request, ReplyView view);

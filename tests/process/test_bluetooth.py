@@ -61,7 +61,7 @@ class ProfilerTest(ProcessTest):
             echo "$* $found" > '{found}.new'; mv '{found}.new' '{found}'""")
         self.until(found.exists)
         lines = found.read_text().split()
-        self.assertEqual(lines, ["SPBluetoothDataType", "-json", "--simulate", *str(self.folder / "machine.json").split(), "/dev/null", "SigBlk:",
+        self.assertEqual(lines, ["SPBluetoothDataType", "-json", "--simulate", *str(self.folder / "machine.json").split(), "--at", "0", "/dev/null", "SigBlk:",
                                  "0" * 16, *"0123"])
 
     def test_reading_is_what_the_child_has_printed_when_it_ends(self):

@@ -299,8 +299,8 @@ int proveFiles(const std::string& folder)
         paths.insert(file.path());
     for (const auto& path : paths) {
         std::string fault;
-        if (const auto machine = readMachineFile(path.string(), fault))
-            counts.prove(path.filename().string(), *machine, false);
+        if (const auto recording = Recording::open(path.string(), fault))
+            counts.prove(path.filename().string(), recording->machine(), false);
     }
     return counts.report();
 }

@@ -59,7 +59,7 @@ TEST(MachineFile, RefusesWhatItCannotUseAndNamesTheMember)
     EXPECT_EQ(fault, "sysctl.hw.model: not a whole number from -2147483648 to 4294967295");
     EXPECT_FALSE(parseMachine("[]", fault));
     EXPECT_EQ(fault, "the top level is not an object");
-    EXPECT_FALSE(readMachineFile("/nonexistent/machine.json", fault));
+    EXPECT_FALSE(Recording::open("/nonexistent/machine.json", fault));
     EXPECT_EQ(fault, "/nonexistent/machine.json: No such file or directory");
 }
 
@@ -77,9 +77,9 @@ TEST(MachineFile, OfEachShippedMachineGivesReadings)
     int count = 0;
     for (const auto& entry : std::filesystem::directory_iterator(ORV_MACHINES)) {
         std::string fault;
-        const auto machine = readMachineFile(entry.path(), fault);
+        const auto machine = Recording::open(entry.path(), fault);
         ASSERT_TRUE(machine) << fault;
-        EXPECT_GE(machine->smc->size(), 276u) << entry.path();
+        EXPECT_GE(machine->machine().smc->size(), 276u) << entry.path();
         ++count;
     }
     EXPECT_GE(count, 6);

@@ -1,0 +1,130 @@
+#include "orvctl/collecting/EnterSimulation.h"
+#include "orvctl/collecting/RecordSimulatedMac.h"
+#include "orvctl/commands/Commands.h"
+#include "orvctl/commands/Duration.h"
+#include "orvctl/views/Interruption.h"
+#include "orvctl/views/Terminal.h"
+#include "recording/RecordingOutput.h"
+#include "recording/ThisMac.h"
+#include "thermal/ZpSystemInfo.h"
+
+#include <cstdio>
+#include <ctime>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace orv {
+
+namespace {
+
+struct Options {
+    std::optional<std::string> machinePath;
+    std::optional<std::string> path;
+    std::optional<std::string> length;
+    std::string interval = "5s";
+    bool replaces = false;
+};
+
+// Named by what is recorded, and when.
+std::string defaultName()
+{
+    auto name = ZpSystemInfo::modelIdentifier();
+    for (auto& character : name) {
+        const bool isPlain = (character >= '0' && character <= '9') || (character >= 'A' && character <= 'Z')
+            || (character >= 'a' && character <= 'z') || character == ',' || character == '.' || character == '_';
+        if (!isPlain)
+            character = '-';
+    }
+    const auto now = std::time(nullptr);
+    std::tm day{};
+    localtime_r(&now, &day);
+    char date[16];
+    std::strftime(date, sizeof(date), "%Y-%m-%d", &day);
+    return name + "-" + date + ".json";
+}
+
+/// Opens its file with the first text, when the machine is known.
+class LateOutput {
+public:
+    LateOutput(const Options& given, bool isSeries)
+        : options(given)
+        , mode(options.path == "-" ? WritingMode::toStandardOutput
+                  : isSeries       ? WritingMode::lineByLine
+                                   : WritingMode::atOnce)
+    {
+        if (options.path)
+            open(*options.path);
+    }
+
+    void write(const std::string& text)
+    {
+        if (!output)
+            open(defaultName());
+        if (hasFailed())
+            return;
+        output->write(text);
+    }
+
+    bool hasFailed() const { return output && !output->fault().empty(); }
+    int finish(const std::string& summary)
+    {
+        if (output)
+            output->finish();
+        if (hasFailed() || !output)
+            return complain(output ? output->fault() : "nothing was recorded", output && output->isInTheWay() ? 2 : 1);
+        std::fprintf(stderr, "orvctl: %s: %s\n",
+            mode == WritingMode::toStandardOutput ? "standard output" : output->path().c_str(), summary.c_str());
+        return 0;
+    }
+
+private:
+    void open(const std::string& path)
+    {
+        output = std::make_unique<RecordingOutput>(path, mode, options.replaces);
+        output->open();
+    }
+
+    const Options& options;
+    const WritingMode mode;
+    std::unique_ptr<RecordingOutput> output;
+};
+
+int record(const Options& options)
+{
+    const auto length = options.length ? parseDuration(*options.length) : std::nullopt;
+    const auto interval = parseDuration(options.interval);
+    if ((options.length && !length) || !interval)
+        return complain(
+            std::string(interval ? "--for" : "--every") + ": not a time such as 5s, 10m or 24h, at least 0.1s", 2);
+    if (const auto failure = options.machinePath ? enterSimulation() : std::nullopt)
+        return complain(*failure, 2);
+    LateOutput output(options, length.has_value());
+    if (output.hasFailed())
+        return output.finish({});
+    const Interruption interruption;
+    const auto write = [&](const std::string& text) { output.write(text); };
+    const RecordingPlan plan{length, *interval, [&] { return output.hasFailed() || interruption.hasCome(); }};
+    if (!options.machinePath)
+        return output.finish(recordThisMac(write, plan));
+    std::string fault;
+    const auto summary = recordSimulatedMac(*options.machinePath, write, plan, fault);
+    return summary ? output.finish(*summary) : complain(fault, 2);
+}
+
+} // namespace
+
+void addRecord(CLI::App& application, Run& run)
+{
+    const auto options = std::make_shared<Options>();
+    auto* command = application.add_subcommand("record", "Write this Mac's sensors into a file that can be replayed");
+    command->add_option("--simulate", options->machinePath, "Record the Mac of a machine file or recording")
+        ->type_name("FILE");
+    command->add_option("-o,--output", options->path, "Where to write; - for standard output")->type_name("FILE");
+    command->add_option("--for", options->length, "For so long (30m, 24h) instead of one moment")->type_name("TIME");
+    command->add_option("--every", options->interval, "At this interval (5s)")->type_name("TIME");
+    command->add_flag("--force", options->replaces, "Replace a file that is there");
+    command->callback([=, &run] { run = [=] { return record(*options); }; });
+}
+
+} // namespace orv

@@ -1,0 +1,50 @@
+#include "orvctl/collecting/Replay.h"
+
+#include "orvctl/commands/Commands.h"
+#include "orvctl/views/Interruption.h"
+#include "orvctl/views/Terminal.h"
+
+#include <memory>
+
+namespace orv {
+
+namespace {
+
+int replayRecording(const ReplayPlan& plan)
+{
+    std::string fault;
+    int status = 0;
+    const Interruption interruption;
+    const auto printLine = [&](const std::string& line) {
+        status = print(line);
+        return status == 0 && !interruption.hasCome();
+    };
+    return replay(plan, printLine, fault) ? status : complain(fault, 2);
+}
+
+} // namespace
+
+void addReplay(CLI::App& application, Run& run)
+{
+    const auto plan = std::make_shared<ReplayPlan>();
+    auto* command =
+        application.add_subcommand("replay", "Play a recording through the whole service, a line a refresh");
+    command->add_option("RECORDING", plan->path, "What to play")->required();
+    command->add_option("--from", plan->from, "Print from so many seconds on")
+        ->type_name("SECONDS")
+        ->check(CLI::NonNegativeNumber);
+    command->add_option("--to", plan->to, "Play up to so many seconds")
+        ->type_name("SECONDS")
+        ->check(CLI::NonNegativeNumber);
+    const auto thermal = std::make_shared<bool>(false);
+    const auto bluetooth = std::make_shared<bool>(false);
+    auto* onlyThermal = command->add_flag("--thermal", *thermal, "Temperatures and fans alone");
+    command->add_flag("--bluetooth", *bluetooth, "Battery levels alone")->excludes(onlyThermal);
+    command->callback([=, &run] {
+        plan->showsThermal = !*bluetooth;
+        plan->showsBluetooth = !*thermal;
+        run = [=] { return replayRecording(*plan); };
+    });
+}
+
+} // namespace orv

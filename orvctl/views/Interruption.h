@@ -1,0 +1,17 @@
+#pragma once
+
+namespace orv {
+
+/// While it lives, SIGINT and SIGTERM no longer end the program but are noted, and a reader that goes away is a failed
+/// write. One at a time.
+class Interruption {
+public:
+    Interruption();
+    ~Interruption();
+    Interruption(const Interruption&) = delete;
+    Interruption& operator=(const Interruption&) = delete;
+
+    bool hasCome() const;
+};
+
+} // namespace orv

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "base/FileDescriptor.h"
+
+#include <string>
+#include <string_view>
+
+namespace orv {
+
+/// How a recording is put where it belongs.
+enum class WritingMode {
+    atOnce, // whole or not at all: written beside its place and moved there
+    lineByLine,
+    toStandardOutput,
+};
+
+/// The file of a recording. What was written stays whole whatever happens.
+class RecordingOutput {
+public:
+    RecordingOutput(std::string path, WritingMode mode, bool replaces);
+    /// Removes what was not moved to its place.
+    ~RecordingOutput();
+    RecordingOutput(const RecordingOutput&) = delete;
+    RecordingOutput& operator=(const RecordingOutput&) = delete;
+
+    /// Creates the file. False when that cannot be; `isInTheWay` tells why.
+    bool open();
+    /// Appends at once; after a fault does nothing.
+    void write(std::string_view text);
+    /// Moves a file that is written at once to its place.
+    void finish();
+
+    /// One line, once something failed.
+    const std::string& fault() const { return firstFault; }
+    /// Whether the fault is a file that stands there already.
+    bool isInTheWay() const { return fileIsInTheWay; }
+    const std::string& path() const { return place; }
+
+private:
+    bool fail();
+
+    const std::string place;
+    const WritingMode mode;
+    const bool replaces;
+    std::string unfinished; // where it is written, when that is beside its place
+    FileDescriptor file;
+    std::string firstFault;
+    bool fileIsInTheWay = false;
+};
+
+} // namespace orv

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "base/LineReader.h"
+#include "simulated/MachineFile.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace orv {
+
+enum class RecordedEvent { sleep, wake, connect, pair };
+
+/// A later moment of a recording: what is different from then on, and then what happened.
+struct RecordingStep {
+    double at = 0; // seconds since the recording's beginning
+    std::vector<std::pair<std::uint32_t, std::optional<std::string>>> smc; // key and bytes; without: it fails
+    std::vector<std::pair<std::size_t, std::optional<double>>> hid; // service and degrees; without: no event
+    std::optional<std::string> profilerOutput;
+    std::optional<std::optional<std::string>> watchFile; // without content: no file
+    std::optional<RecordedEvent> event;
+};
+
+/// A machine file and the steps that may follow it, read line by line as they are played: what it takes of memory does
+/// not depend on its length. orv-machine-file(5) documents the format.
+class Recording {
+public:
+    /// Opens a recording whose every line can be used. Otherwise nothing, and `fault` is one line that names the file,
+    /// the line or member and what is wrong.
+    static std::optional<Recording> open(const std::string& path, std::string& fault);
+
+    const MachineFile& machine() const { return firstMoment; }
+    /// Seconds from its beginning to its last step.
+    double length() const { return lastMoment; }
+    /// One line that says where a file that was cut off ends; empty for a whole one.
+    const std::string& notice() const { return cutNotice; }
+
+    /// The next step; nothing at the end.
+    std::optional<RecordingStep> next();
+
+    /// What the profiler prints at a moment. Takes the steps up to it.
+    std::string profilerOutputAt(double moment);
+
+private:
+    Recording(MachineFile machine, LineReader lines);
+    static std::optional<Recording> readFirstMoment(const std::string& path, std::string& fault);
+    std::optional<RecordingStep> readStep(std::string& fault);
+    bool lookThrough(std::string& fault);
+
+    MachineFile firstMoment;
+    LineReader lines;
+    std::set<std::uint32_t> keys;
+    double previous = 0;
+    double lastMoment = 0;
+    std::string cutNotice;
+};
+
+} // namespace orv

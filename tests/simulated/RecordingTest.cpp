@@ -1,0 +1,116 @@
+#include "simulated/RecordedMac.h"
+
+#include "smc/FourCharCode.h"
+#include "tests/support/TemporaryFile.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+using namespace orv;
+
+namespace {
+
+const std::string machine = R"({"format": 1, "description": "a } in a text \" {",
+  "sysctl": {"hw.model": "MacBookPro17,1", "machdep.cpu.brand_string": "Apple M1"},
+  "smc": [{"key": "TB0T", "type": "sp78", "bytes": "1e00"}, {"key": "F0Ac", "type": "fpe2", "bytes": "1f40"}],
+  "hid": [{"locationID": 1416638569, "temperature": 41.5}], "bluetooth": "first", "watch": "{}"}
+)";
+
+std::string faultOf(const std::string& steps)
+{
+    const TemporaryFile file(machine + steps);
+    std::string fault;
+    EXPECT_FALSE(Recording::open(file.path, fault)) << steps;
+    EXPECT_TRUE(fault.starts_with(file.path + ": ")) << fault;
+    return fault.substr(file.path.size() + 2);
+}
+
+std::string bytesOf(SimulatedMac& mac, const char* key)
+{
+    Hardware::Bytes bytes{};
+    return mac.readBytes(fourCharCode(key), bytes).status == 0
+        ? std::to_string(bytes[0]) + "," + std::to_string(bytes[1])
+        : "fails";
+}
+
+} // namespace
+
+TEST(Recording, RefusesAStepThatCannotBeUsedAndNamesItsLine)
+{
+    const std::vector<std::pair<std::string, std::string>> cases{
+        {"[]\n", "line 5: not an object"},
+        {"{}\n", "line 5: at: required, but not there"},
+        {"{\"at\": -1}\n", "line 5: at: not a number from 0 to 1000000000 (seconds)"},
+        {"{\"at\": \"5\"}\n", "line 5: at: not a number from 0 to 1000000000 (seconds)"},
+        {"{\"at\": 5}\n\n{\"at\": 4.9}\n", "line 7: at: before the step before it"},
+        {"{\"at\": 5, \"smd\": {}}\n", "line 5: smd: unknown member"},
+        {"{\"at\": 5, \"smc\": []}\n", "line 5: smc: not an object"},
+        {"{\"at\": 5, \"smc\": {\"TC0P\": \"00\"}}\n", "line 5: smc.TC0P: the machine has no such key"},
+        {"{\"at\": 5, \"smc\": {\"TB0T\": 5}}\n", "line 5: smc.TB0T: not a text"},
+        {"{\"at\": 5, \"smc\": {\"TB0T\": [\"00\"]}}\n", "line 5: smc.TB0T: not a text"},
+        {"{\"at\": 5, \"hid\": {\"1\": 40}}\n", "line 5: hid.1: the machine has no such service"},
+        {"{\"at\": 5, \"hid\": {\"-0\": 40}}\n", "line 5: hid.-0: the machine has no such service"},
+        {"{\"at\": 5, \"hid\": {\"0\": \"40\"}}\n", "line 5: hid.0: neither a number nor null"},
+        {"{\"at\": 5, \"event\": \"woke\"}\n", "line 5: event: none of sleep, wake, connect and pair"},
+        {"x\n{\"at\": 5}\n", "line 5: "},
+    };
+    for (const auto& [steps, fault] : cases)
+        EXPECT_EQ(faultOf(steps).substr(0, fault.size()), fault) << steps;
+}
+
+TEST(Recording, RefusesALaterFormatByItsNumber)
+{
+    std::string fault;
+    EXPECT_FALSE(parseMachine(R"({"format": 2, "sysctl": {}})", fault));
+    EXPECT_EQ(fault, "format: 2 is newer than this program, which knows 1");
+    EXPECT_FALSE(parseMachine(R"({"format": "1", "sysctl": {}})", fault));
+    EXPECT_EQ(fault, "format: not a whole number from 1 on");
+}
+
+// Wherever it is cut, what stands before the cut is read, and the reader says when a line is not whole.
+TEST(Recording, IsReadUpToItsLastWholeLine)
+{
+    const std::string first = "{\"at\": 5, \"smc\": {\"TB0T\": \"2000\"}}";
+    const std::string second = "{\"at\": 7.5, \"hid\": {\"0\": null}}";
+    const auto whole = machine + first + "\n" + second;
+    const auto endOfFirst = machine.size() + first.size();
+    for (auto size = machine.size() - 1; size <= whole.size(); ++size) {
+        const TemporaryFile file(whole.substr(0, size));
+        std::string fault;
+        const auto recording = Recording::open(file.path, fault);
+        ASSERT_TRUE(recording) << size << fault;
+        EXPECT_EQ(recording->length(), size < endOfFirst ? 0 : size < whole.size() ? 5 : 7.5) << size;
+        const bool isWhole =
+            size <= machine.size() || size == endOfFirst || size == endOfFirst + 1 || size == whole.size();
+        EXPECT_EQ(recording->notice().empty(), isWhole) << size;
+    }
+    for (std::size_t size = 0; size < machine.size() - 1; size += 9) {
+        const TemporaryFile file(whole.substr(0, size));
+        std::string fault;
+        EXPECT_FALSE(Recording::open(file.path, fault)) << size;
+    }
+}
+
+TEST(Recording, IsPlayedStepByStepAheadOfWhatIsDueAtTheSameMoment)
+{
+    const TemporaryFile file(machine + R"({"at": 5, "smc": {"TB0T": null, "F0Ac": "2000"}, "bluetooth": null}
+{"at": 5, "event": "sleep"}
+{"at": 7, "smc": {"TB0T": "2100"}, "hid": {"0": null}, "watch": null, "bluetooth": {"a": 1}, "event": "wake"}
+)");
+    std::string fault;
+    const auto mac = RecordedMac::open(file.path, fault);
+    ASSERT_TRUE(mac) << fault;
+    std::string seen;
+    const auto tick = mac->runLoop.scheduleRepeating(
+        Seconds(5), [&] { seen += bytesOf(mac->simulation.mac, "TB0T") + mac->simulation.profilerOutput; });
+    mac->player.playTo(4.9, mac->runLoop);
+    EXPECT_EQ(bytesOf(mac->simulation.mac, "TB0T"), "30,0");
+    mac->player.playTo(6, mac->runLoop);
+    EXPECT_EQ(seen, "fails");
+    mac->player.playTo(10, mac->runLoop);
+    EXPECT_EQ(seen, "fails33,0{\"a\": 1}");
+    EXPECT_EQ(bytesOf(mac->simulation.mac, "F0Ac"), "32,0");
+}
