@@ -17,7 +17,6 @@ namespace orv {
 namespace {
 
 constexpr const char* newAddress = "00:00:00:00:0A:42";
-constexpr const char* newKey = "00-00-00-00-0a-42";
 constexpr std::uint32_t keyCountKey = fourCharCode("#KEY");
 
 [[noreturn]] void unexpected(ChangeKind kind)
