@@ -10,15 +10,20 @@ _orvctl()
         return
     fi
     if ((COMP_CWORD == 1)); then
-        words="thermal bluetooth watch explain --help --version"
+        words="thermal bluetooth watch explain record replay --help --version"
     elif [[ $previous == --format ]]; then
         words="table jsonl csv waybar i3bar"
     elif [[ ${COMP_WORDS[1]} == watch ]]; then
         words="--format --only --simulate --help"
     elif [[ ${COMP_WORDS[1]} == explain ]]; then
-        words="--missing --shown --json --simulate --help temperatures fans hid bluetooth watch"
+        words="--missing --shown --json --simulate --at --help temperatures fans hid bluetooth watch"
+    elif [[ ${COMP_WORDS[1]} == record ]]; then
+        words="-o --for --every --force --simulate --help"
+    elif [[ ${COMP_WORDS[1]} == replay ]]; then
+        compopt -o default
+        words="--from --to --thermal --bluetooth --help"
     else
-        words="--json --simulate --help"
+        words="--json --simulate --at --help"
     fi
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
 }

@@ -136,7 +136,7 @@ class PackageTest(ProcessTest):
         self.assertIn(f"getent group {group}\"", rule)
 
     def test_manual_pages_have_no_faults(self):
-        for page in "man8/orv-smc-helper.8", "man1/orvctl.1":
+        for page in "man8/orv-smc-helper.8", "man1/orvctl.1", "man5/orv-machine-file.5":
             done = run("man", "--warnings", "-E", "UTF-8", "-l", "-Tutf8", "-Z", self.root / "usr/share/man" / page)
             self.assertEqual(done.stderr, "")
 

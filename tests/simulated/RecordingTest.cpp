@@ -94,6 +94,21 @@ TEST(Recording, IsReadUpToItsLastWholeLine)
     }
 }
 
+// What a released version could read once is read for ever: this folder only grows.
+TEST(Recording, OfEachFormatIsStillRead)
+{
+    int count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(ORV_RECORDINGS)) {
+        std::string fault;
+        auto recording = Recording::open(entry.path(), fault);
+        ASSERT_TRUE(recording) << fault;
+        EXPECT_TRUE(recording->notice().empty());
+        EXPECT_GT(recording->length(), 0);
+        ++count;
+    }
+    EXPECT_GE(count, 1);
+}
+
 TEST(Recording, IsPlayedStepByStepAheadOfWhatIsDueAtTheSameMoment)
 {
     const TemporaryFile file(machine + R"({"at": 5, "smc": {"TB0T": null, "F0Ac": "2000"}, "bluetooth": null}
