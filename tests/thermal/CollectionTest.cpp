@@ -131,6 +131,13 @@ TEST(Collection, StandsInForIdleCoresOnM2)
     EXPECT_EQ(degreesOf(readings, "Tp05"), static_cast<double>(38.2f));
 }
 
+TEST(Collection, HasNoStandInForACoreThatFails)
+{
+    TestMac mac(appleText("Apple M2", {{"Te05", 40}, {"Tp01", 0}, {"Tp05", 50}}));
+    mac.hardware.keyWithFailingBytes = "Tp01";
+    EXPECT_EQ(titles(collect(mac)), (Titles{{"Te05", "Core Efficiency 1"}, {"Tp05", "Core Performance 2"}}));
+}
+
 TEST(Collection, HasAStandInOnlyAboveZero)
 {
     TestMac cool(appleText("Apple M2", {{"Te05", 0.5f}, {"Tp05", 0}}));
