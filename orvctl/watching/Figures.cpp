@@ -8,6 +8,8 @@
 #include <cmath>
 #include <cstdint>
 #include <iterator>
+#include <map>
+#include <utility>
 
 namespace orv {
 
@@ -68,12 +70,18 @@ std::vector<Figure> allFigures(const Moment& moment)
 
 std::vector<Figure> figuresOf(const Moment& moment)
 {
-    auto figures = allFigures(moment);
-    const auto rank = [&](const Figure& figure) {
+    const auto figures = allFigures(moment);
+    const auto rankOf = [&](const Figure& figure) {
         return std::ranges::find_if(moment.chosen, [&](const auto& name) { return isNamed(figure, name); });
     };
-    std::ranges::stable_sort(figures, {}, rank);
-    return figures;
+    // By a map, whose equal keys keep their order: the library's stable sort uses what clang finds deprecated.
+    std::multimap<decltype(rankOf(figures.front())), Figure> ranked;
+    for (const auto& figure : figures)
+        ranked.emplace(rankOf(figure), figure);
+    std::vector<Figure> sorted;
+    for (auto& [rank, figure] : ranked)
+        sorted.push_back(std::move(figure));
+    return sorted;
 }
 
 bool isNamed(const Member& entry, std::string_view name)
