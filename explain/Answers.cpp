@@ -142,8 +142,9 @@ private:
     bool takeUnlistedKey()
     {
         auto reads = inspection.laterReads.find(answer.what);
-        const bool isLater = reads != inspection.laterReads.end();
-        if (!isLater && (reads = inspection.reads.find(answer.what)) == inspection.reads.end())
+        if (reads == inspection.laterReads.end())
+            reads = inspection.reads.find(answer.what);
+        if (reads == inspection.reads.end())
             return false;
         const auto& val = reads->second.front().val;
         if (val.dataSize == 0)

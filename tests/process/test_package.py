@@ -142,7 +142,7 @@ class PackageTest(ProcessTest):
 
     def test_shell_completes_commands_and_options(self):
         script = self.root / "usr/share/bash-completion/completions/orvctl"
-        for words, expected in (("orvctl ''", "thermal bluetooth watch explain --help --version"),
+        for words, expected in (("orvctl ''", "thermal bluetooth watch explain record replay --help --version"),
                                 ("orvctl th", "thermal"),
                                 ("orvctl thermal --j", "--json")):
             done = run("bash", "-c", f"source '{script}'; COMP_WORDS=({words}); COMP_CWORD=$((${{#COMP_WORDS[@]}} - 1)); "
