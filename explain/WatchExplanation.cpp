@@ -99,11 +99,11 @@ private:
         }
         if (const auto* members = value.as<Dictionary>()) {
             for (const auto& [name, content] : *members)
-                addNulls(key, path.empty() ? name : path + '.' + name, content);
+                addNulls(key, std::string(path).append(path.empty() ? "" : ".").append(name), content);
         }
         if (const auto* items = value.as<Array>()) {
             for (std::size_t place = 0; place < items->size(); ++place)
-                addNulls(key, path + '[' + std::to_string(place) + ']', (*items)[place]);
+                addNulls(key, std::string(path).append("[").append(std::to_string(place)).append("]"), (*items)[place]);
         }
     }
 

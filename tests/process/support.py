@@ -16,6 +16,7 @@ import unittest
 
 BIN = pathlib.Path(os.environ["ORV_BIN"])
 HELPER = BIN / "orv-smc-helper"
+IS_SANITIZED = b"__sanitizer_" in HELPER.read_bytes()
 MACHINES = pathlib.Path(__file__).resolve().parents[2] / "machines"
 NAME = os.environ.get("ORV_NAME", "org.orv.SMCHelper")
 PATH = "/" + NAME.replace(".", "/")

@@ -7,11 +7,10 @@ import signal
 import struct
 import unittest
 
-from support import HELPER, NAME, SIMULATION, ProcessTest, device, mac, report
+from support import HELPER, IS_SANITIZED, NAME, SIMULATION, ProcessTest, device, mac, report
 from wire import BUS, CALL, HELPER_OBJECT, THERMAL, Client, message, named_number, text
 
 WATCH = {"watch-1": {"batteryLevel": 80}}
-IS_SANITIZED = b"__sanitizer_" in HELPER.read_bytes()
 
 
 class ShortageTest(ProcessTest):

@@ -80,7 +80,7 @@ TEST_F(IndexedKeysTest, ReadIsRepeatedWhenAnotherProcessMovedTheIndex)
         };
         EXPECT_EQ(value(driver, "TC0P"), disturbances < 30 ? std::optional(47.53125) : std::nullopt) << disturbances;
         EXPECT_EQ(fake.dataReads.size(), std::min<std::size_t>(disturbances + 2, 32));
-        left = 0;
+        fake.afterWrite = nullptr;
         driver.closeSMC();
     }
     for (int refresh = 0; refresh < 12; ++refresh) {
