@@ -140,10 +140,10 @@ std::string socTitle(const SensorKeyPair* sensor, SocKind kind, std::int64_t num
 {
     if (kind == SocKind::other)
         return sensor ? std::string(sensor->name) : "Unknown";
-    const auto digits = std::to_string(number);
-    std::string title;
-    title.reserve(socKindTitle(kind).size() + 1 + digits.size()); // allocates once, if at all
-    return title.append(socKindTitle(kind)).append(1, ' ').append(digits);
+    // In front of the digits, which are short: appended to, a title would be allocated twice.
+    auto title = std::to_string(number);
+    title.insert(0, 1, ' ').insert(0, socKindTitle(kind));
+    return title;
 }
 
 /// Reads the sensors of the SoC one after the other, and counts them.
