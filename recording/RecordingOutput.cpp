@@ -1,6 +1,7 @@
 #include "recording/RecordingOutput.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -8,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <tuple>
 #include <utility>
 
 namespace orv {
@@ -22,6 +24,18 @@ bool move(const std::string& from, const std::string& to, bool replaces)
     if (replaces)
         return std::rename(from.c_str(), to.c_str()) == 0;
     return ::link(from.c_str(), to.c_str()) == 0 && ::unlink(from.c_str()) == 0;
+}
+
+bool writeAll(int descriptor, std::string_view text)
+{
+    while (!text.empty()) {
+        const auto count = ::write(descriptor, text.data(), text.size());
+        if (count >= 0)
+            text.remove_prefix(static_cast<std::size_t>(count));
+        else if (errno != EINTR)
+            return false;
+    }
+    return true;
 }
 
 } // namespace
@@ -67,14 +81,25 @@ bool RecordingOutput::open()
 
 void RecordingOutput::write(std::string_view text)
 {
-    const int descriptor = mode == WritingMode::toStandardOutput ? STDOUT_FILENO : file.get();
-    while (!text.empty() && firstFault.empty()) {
-        const auto count = ::write(descriptor, text.data(), text.size());
-        if (count >= 0)
-            text.remove_prefix(static_cast<std::size_t>(count));
-        else if (errno != EINTR)
-            fail();
+    if (!firstFault.empty())
+        return;
+    if (writeAll(mode == WritingMode::toStandardOutput ? STDOUT_FILENO : file.get(), text)) {
+        size += static_cast<off_t>(text.size());
+        return;
     }
+    fail();
+    // A pipe or a device cannot be cut, nor need it be.
+    if (mode != WritingMode::toStandardOutput)
+        std::ignore = ::ftruncate(file.get(), size);
+}
+
+bool RecordingOutput::isRead()
+{
+    pollfd reader{STDOUT_FILENO, 0, 0};
+    if (mode != WritingMode::toStandardOutput || poll(&reader, 1, 0) <= 0 || (reader.revents & POLLERR) == 0)
+        return true;
+    errno = EPIPE;
+    return fail();
 }
 
 void RecordingOutput::finish()

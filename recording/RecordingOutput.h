@@ -14,7 +14,8 @@ enum class WritingMode {
     toStandardOutput,
 };
 
-/// The file of a recording. What was written stays whole whatever happens.
+/// The file of a recording. What was written stays whole whatever happens: of a text that found no room nothing is
+/// left.
 class RecordingOutput {
 public:
     RecordingOutput(std::string path, WritingMode mode, bool replaces);
@@ -29,6 +30,8 @@ public:
     void write(std::string_view text);
     /// Moves a file that is written at once to its place.
     void finish();
+    /// False, and a fault, when nobody reads standard output any more.
+    bool isRead();
 
     /// One line, once something failed.
     const std::string& fault() const { return firstFault; }
@@ -44,6 +47,7 @@ private:
     const bool replaces;
     std::string unfinished; // where it is written, when that is beside its place
     FileDescriptor file;
+    off_t size = 0; // of whole texts
     std::string firstFault;
     bool fileIsInTheWay = false;
 };

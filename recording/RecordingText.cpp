@@ -149,12 +149,16 @@ std::vector<Member> changes(const RecordedMoment& before, const RecordedMoment& 
     return members;
 }
 
+Value momentOf(double seconds)
+{
+    const auto whole = static_cast<std::int64_t>(seconds);
+    const bool isWhole = static_cast<double>(whole) == seconds;
+    return isWhole ? Value(whole) : Value(seconds);
+}
+
 std::string stepLine(double at, std::vector<Member> members)
 {
-    // A whole number of seconds is written as one.
-    const auto whole = static_cast<std::int64_t>(at);
-    const bool isWhole = static_cast<double>(whole) == at;
-    members.insert(members.begin(), {"at", isWhole ? Value(whole) : Value(at)});
+    members.insert(members.begin(), {"at", momentOf(at)});
     return json(Dictionary(std::move(members))) + '\n';
 }
 

@@ -27,6 +27,9 @@ std::string firstObject(
 /// The members of a step that tell `after` from `before`, two moments of one machine.
 std::vector<Member> changes(const RecordedMoment& before, const RecordedMoment& after);
 
+/// Seconds since a recording's beginning as they are written: a whole number of them as an integer.
+Value momentOf(double seconds);
+
 /// One line of a recording, its newline included.
 std::string stepLine(double at, std::vector<Member> members);
 

@@ -96,24 +96,50 @@ constexpr DecodedValue fault(SMCValueFault reason)
     return {.fault = reason};
 }
 
-DecodedValue number(const SMCVal& val, SMCNumberForm form)
+constexpr std::size_t bytesOf(SMCNumberForm form)
 {
     switch (form) {
     case none:
-        return fault(SMCValueFault::noNumber);
+        return 0;
     case unsigned8:
-        return {static_cast<double>(val.bytes[0])};
+        return 1;
     case unsigned16:
-        return {static_cast<double>(bigEndian(val, 2))};
-    case unsigned32:
-        return {static_cast<double>(bigEndian(val, 4))};
-    case float32:
-        return {static_cast<double>(littleEndianFloat(val))};
     case signed16:
+        return 2;
+    case unsigned32:
+    case float32:
         break;
     }
-    const auto integer = static_cast<std::int16_t>(bigEndian(val, 2));
+    return 4;
+}
+
+DecodedValue number(const SMCVal& val, SMCNumberForm form)
+{
+    if (form == float32)
+        return {static_cast<double>(littleEndianFloat(val))};
+    const auto natural = bigEndian(val, bytesOf(form));
+    if (form != signed16)
+        return {static_cast<double>(natural)};
+    const auto integer = static_cast<std::int16_t>(natural);
     return integer < 0 ? fault(SMCValueFault::negative) : DecodedValue{static_cast<double>(integer)};
+}
+
+/// How a value is read, or why it holds no number whatever its bytes are.
+struct FoundFormat {
+    const SMCValueFormat* format = nullptr;
+    SMCValueFault fault = SMCValueFault::none;
+};
+
+FoundFormat formatOf(const SMCVal& val)
+{
+    if (val.dataSize == 0)
+        return {.fault = SMCValueFault::empty};
+    const auto* format = smcValueFormat(val.dataType);
+    if (!format || format->form == none)
+        return {.fault = SMCValueFault::noNumber};
+    if (format->requiredSize != 0 && format->requiredSize != val.dataSize)
+        return {.fault = SMCValueFault::wrongSize};
+    return {.format = format};
 }
 
 } // namespace
@@ -129,13 +155,9 @@ const SMCValueFormat* smcValueFormat(std::string_view code)
 
 DecodedValue decode(const SMCVal& val)
 {
-    if (val.dataSize == 0)
-        return fault(SMCValueFault::empty);
-    const auto* format = smcValueFormat(val.dataType);
+    const auto [format, reason] = formatOf(val);
     if (!format)
-        return fault(SMCValueFault::noNumber);
-    if (format->requiredSize != 0 && format->requiredSize != val.dataSize)
-        return fault(SMCValueFault::wrongSize);
+        return fault(reason);
     auto decoded = number(val, format->form);
     decoded.number /= static_cast<double>(1u << format->fractionBits);
     return decoded;
@@ -149,22 +171,8 @@ std::optional<double> decodeValue(const SMCVal& val)
 
 std::size_t bytesOfNumber(const SMCVal& val)
 {
-    const auto* format = val.dataSize == 0 ? nullptr : smcValueFormat(val.dataType);
-    if (!format || (format->requiredSize != 0 && format->requiredSize != val.dataSize))
-        return 0;
-    switch (format->form) {
-    case none:
-        return 0;
-    case unsigned8:
-        return 1;
-    case unsigned16:
-    case signed16:
-        return 2;
-    case unsigned32:
-    case float32:
-        return 4;
-    }
-    return 0;
+    const auto* format = formatOf(val).format;
+    return format ? bytesOf(format->form) : 0;
 }
 
 } // namespace orv

@@ -1,112 +1,76 @@
 #include "orvctl/collecting/Replay.h"
 
-#include "bluetooth/OrvBluetoothAppleWatch.h"
-#include "bluetooth/OrvBluetoothSysProfile.h"
 #include "orvctl/collecting/OpenSimulatedMac.h"
+#include "orvctl/collecting/RecordedServer.h"
 #include "platform/RefreshObserver.h"
-#include "service/OrvSMCHelperServer.h"
-#include "service/Replies.h"
-#include "service/ValueSink.h"
-#include "smc/SMC.h"
-#include "thermal/OrvTemperatureFans.h"
+#include "recording/RecordingText.h"
 #include "json/JSONWriter.h"
 
 #include <algorithm>
-#include <memory>
 
 namespace orv {
 
 namespace {
 
-/// The server of a recorded Mac, which prints a line for each of its refreshes.
-class ReplayedServer final : public RefreshObserver {
+/// Prints a line for each refresh of a recorded Mac's server.
+class Player final : public RefreshObserver {
 public:
-    ReplayedServer(
+    Player(
         const ReplayPlan& replayPlan, RecordedMac& recorded, const std::function<bool(const std::string& line)>& print)
         : plan(replayPlan)
         , mac(recorded)
         , printLine(print)
+        , server(mac, *this)
     {
-        mac.simulation.platform.refreshObserver = this;
-        server.emplace(mac.simulation.platform,
-            ReadingSources{[this]() -> SMC& { return smc; }, [this]() -> const OrvTemperatureFans& { return profile; },
-                [this]() -> OrvBluetoothSysProfile& { return *created(monitor); },
-                [this]() -> OrvBluetoothAppleWatch& { return *created(watch); }});
         show();
     }
-    /// Ends the cycles under way, which keep their objects alive and tell this one.
-    ~ReplayedServer() override
-    {
-        isRefused = true;
-        mac.runLoop.advance(Seconds(5));
-    }
-    ReplayedServer(const ReplayedServer&) = delete;
-    ReplayedServer& operator=(const ReplayedServer&) = delete;
 
     void play()
     {
         mac.player.begin();
         const double end = plan.to.value_or(mac.recording.length());
         while (!isRefused && mac.player.position() < end)
-            mac.player.playTo(std::min(end, mac.player.position() + Seconds(interval).count()), mac.runLoop);
+            mac.player.playTo(std::min(end, mac.player.position() + interval), mac.runLoop);
         // What has changed since the last refresh is seen by the next one.
         if (!plan.to && !isRefused && shownAt < end)
-            mac.player.playTo(end + Seconds(interval).count(), mac.runLoop);
+            mac.player.playTo(end + interval, mac.runLoop);
+        isOver = true;
     }
 
     void refreshBegan(Refreshed) override { }
     void refreshEnded(Refreshed what) override
     {
-        if (what == Refreshed::readings && server)
+        if (what == Refreshed::readings && hasBegun && !isOver)
             show();
     }
 
 private:
-    template <typename Source> Source* created(std::shared_ptr<Source>& source)
-    {
-        if (!source)
-            source = Source::create(mac.simulation.platform);
-        return source.get();
-    }
-
     void show()
     {
+        hasBegun = true; // the first refresh is part of the server's making
         shownAt = Seconds(mac.runLoop.now).count();
         if (isRefused || shownAt < plan.from)
             return;
-        std::string line = R"({"schema": "orv.replay/1", "at": )";
-        const auto whole = static_cast<std::int64_t>(shownAt);
-        const bool isWhole = static_cast<double>(whole) == shownAt;
-        line += writeJSON(isWhole ? Value(whole) : Value(shownAt), KeyOrder::asListed);
+        std::string line = R"({"schema": "orv.replay/1", "at": )" + json(momentOf(shownAt));
         if (plan.showsThermal)
-            line +=
-                ", \"thermal\": " + reply([&](ReplySink& sink) { writeThermalReply(*server->smcData.take(), sink); });
+            line += ", \"thermal\": " + json(server.thermalReply());
         if (plan.showsBluetooth)
-            line += ", \"bluetooth\": " + reply([&](ReplySink& sink) {
-                writeBluetoothReply(*server->btData.take(), sink, propertyListLimits);
-            });
+            line += ", \"bluetooth\": " + json(server.bluetoothReply());
         isRefused = !printLine(line + "}\n");
     }
 
-    template <typename WriteReply> static std::string reply(WriteReply writeReply)
-    {
-        ValueSink sink;
-        writeReply(sink);
-        return writeJSON(sink.take(), KeyOrder::sorted);
-    }
+    static std::string json(const Value& value) { return writeJSON(value, KeyOrder::sorted); }
 
-    static constexpr Seconds interval = OrvSMCHelperServer::reloadInterval;
+    static constexpr double interval = OrvSMCHelperServer::reloadInterval.count();
 
     const ReplayPlan& plan;
     RecordedMac& mac;
     const std::function<bool(const std::string& line)>& printLine;
-    SMC smc;
-    const OrvTemperatureFans profile;
-    std::shared_ptr<OrvBluetoothSysProfile> monitor;
-    std::shared_ptr<OrvBluetoothAppleWatch> watch;
-    std::optional<OrvSMCHelperServer> server;
     double shownAt = 0;
+    bool hasBegun = false;
+    bool isOver = false;
     bool isRefused = false; // by whoever reads the lines
+    RecordedServer server; // last: it tells this object
 };
 
 } // namespace
@@ -118,7 +82,7 @@ bool replay(const ReplayPlan& plan, const std::function<bool(const std::string& 
         fault = beyondTheEnd(plan.path, mac->recording.length());
     if (!mac || !fault.empty())
         return false;
-    ReplayedServer(plan, *mac, print).play();
+    Player(plan, *mac, print).play();
     return true;
 }
 

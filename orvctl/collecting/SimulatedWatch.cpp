@@ -1,20 +1,14 @@
 #include "orvctl/collecting/SimulatedWatch.h"
 
-#include "bluetooth/OrvBluetoothAppleWatch.h"
-#include "bluetooth/OrvBluetoothSysProfile.h"
 #include "orvctl/collecting/OpenSimulatedMac.h"
 #include "orvctl/collecting/ReaderWait.h"
+#include "orvctl/collecting/RecordedServer.h"
 #include "platform/RefreshObserver.h"
-#include "service/OrvSMCHelperServer.h"
-#include "service/Replies.h"
-#include "service/ValueSink.h"
-#include "smc/SMC.h"
-#include "thermal/OrvTemperatureFans.h"
+#include "platform/Workspace.h"
 
 #include <atomic>
 #include <chrono>
 #include <memory>
-#include <optional>
 #include <utility>
 
 namespace orv {
@@ -29,9 +23,27 @@ constexpr auto interval = duration_cast<Clock::duration>(OrvSMCHelperServer::rel
 
 std::atomic<SimulatedBundle*> watchedBundle = nullptr;
 
+/// While it lives, the bundle's container is removed when the program is ended.
+struct WatchedBundle {
+    explicit WatchedBundle(SimulatedBundle& bundle) { watchedBundle = &bundle; }
+    ~WatchedBundle() { watchedBundle = nullptr; }
+    WatchedBundle(const WatchedBundle&) = delete;
+    WatchedBundle& operator=(const WatchedBundle&) = delete;
+};
+
 /// When the readings were measured, on the real clock.
 class SimulatedTimes final : public RefreshObserver, public SleepWakeObserver {
 public:
+    /// Told of a wake before what is refreshed then.
+    explicit SimulatedTimes(Workspace& observed)
+        : workspace(observed)
+    {
+        workspace.registerSleepWakeObservers(*this);
+    }
+    ~SimulatedTimes() override { workspace.removeSleepWakeObservers(*this); }
+    SimulatedTimes(const SimulatedTimes&) = delete;
+    SimulatedTimes& operator=(const SimulatedTimes&) = delete;
+
     void refreshBegan(Refreshed what) override
     {
         if (what == Refreshed::readings)
@@ -50,6 +62,7 @@ public:
     bool isRefreshed = false; // since that was last looked at
 
 private:
+    Workspace& workspace;
     Clock::time_point beginning;
     bool isAsleep = false;
 };
@@ -59,27 +72,11 @@ class SimulatedWatch {
 public:
     explicit SimulatedWatch(RecordedMac& mac)
         : recorded(mac)
-        , simulation(mac.simulation)
+        , times(mac.simulation.workspace)
+        , server(mac, times)
     {
-        watchedBundle = &simulation.bundle;
-        simulation.platform.refreshObserver = &times;
-        simulation.workspace.registerSleepWakeObservers(times);
-        server.emplace(simulation.platform,
-            ReadingSources{[this]() -> SMC& { return smc; },
-                [this]() -> const OrvTemperatureFans& { return made(profile); },
-                [this]() -> OrvBluetoothSysProfile& { return *made(systemProfile, simulation.platform); },
-                [this]() -> OrvBluetoothAppleWatch& { return *made(watch, simulation.platform); }});
         recorded.player.begin();
     }
-    /// Ends the cycle of the watch's reader, which keeps the reader alive until then.
-    ~SimulatedWatch()
-    {
-        watchedBundle = nullptr;
-        server.reset();
-        recorded.runLoop.advance(OrvSMCHelperServer::reloadInterval);
-    }
-    SimulatedWatch(const SimulatedWatch&) = delete;
-    SimulatedWatch& operator=(const SimulatedWatch&) = delete;
 
     /// Lets as much time pass as has passed, and tells of it.
     bool step(Clock::duration time, ServiceWatcher& watcher)
@@ -87,41 +84,15 @@ public:
         recorded.player.playTo(recorded.player.position() + Seconds(time).count(), recorded.runLoop);
         if (!std::exchange(times.isRefreshed, false))
             return watcher.nothingArrived(times.timing());
-        const auto thermal = reply([&](ReplySink& sink) { writeThermalReply(*server->smcData.take(), sink); });
-        const auto bluetooth =
-            reply([&](ReplySink& sink) { writeBluetoothReply(*server->btData.take(), sink, propertyListLimits); });
-        return watcher.repliesArrived({thermal, bluetooth, times.timing()});
+        const auto thermal = server.thermalReply();
+        const auto bluetooth = server.bluetoothReply();
+        return watcher.repliesArrived({*thermal.as<Dictionary>(), *bluetooth.as<Dictionary>(), times.timing()});
     }
 
 private:
-    template <typename WriteReply> static Dictionary reply(WriteReply writeReply)
-    {
-        ValueSink sink;
-        writeReply(sink);
-        const auto value = sink.take();
-        return *value.as<Dictionary>();
-    }
-
-    static const OrvTemperatureFans& made(std::optional<OrvTemperatureFans>& profile)
-    {
-        return profile ? *profile : profile.emplace();
-    }
-    template <typename Source>
-    static std::shared_ptr<Source>& made(std::shared_ptr<Source>& source, const Platform& platform)
-    {
-        if (!source)
-            source = Source::create(platform);
-        return source;
-    }
-
-    SimulatedTimes times;
     RecordedMac& recorded;
-    SimulatedPlatform& simulation;
-    SMC smc;
-    std::optional<OrvTemperatureFans> profile;
-    std::shared_ptr<OrvBluetoothSysProfile> systemProfile;
-    std::shared_ptr<OrvBluetoothAppleWatch> watch;
-    std::optional<OrvSMCHelperServer> server;
+    SimulatedTimes times;
+    RecordedServer server;
 };
 
 } // namespace
@@ -132,6 +103,7 @@ std::string watchSimulatedMac(const std::string& machinePath, ServiceWatcher& wa
     const auto mac = openSimulatedMac({machinePath}, fault);
     if (!mac)
         return fault;
+    const WatchedBundle bundle(mac->simulation.bundle);
     SimulatedWatch watched(*mac);
     auto shown = Clock::now();
     for (bool isWanted = watched.step({}, watcher); isWanted && waitWhileRead(output, shown + interval);) {

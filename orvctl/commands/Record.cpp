@@ -67,6 +67,7 @@ public:
     }
 
     bool hasFailed() const { return output && !output->fault().empty(); }
+    bool isRead() { return !output || output->isRead(); }
     int finish(const std::string& summary)
     {
         if (output)
@@ -104,7 +105,8 @@ int record(const Options& options)
         return output.finish({});
     const Interruption interruption;
     const auto write = [&](const std::string& text) { output.write(text); };
-    const RecordingPlan plan{length, *interval, [&] { return output.hasFailed() || interruption.hasCome(); }};
+    const RecordingPlan plan{
+        length, *interval, [&] { return output.hasFailed() || !output.isRead() || interruption.hasCome(); }};
     if (!options.machinePath)
         return output.finish(recordThisMac(write, plan));
     std::string fault;

@@ -1,6 +1,7 @@
 #include "orvctl/collecting/Replay.h"
 
 #include "orvctl/commands/Commands.h"
+#include "orvctl/commands/MomentOption.h"
 #include "orvctl/views/Interruption.h"
 #include "orvctl/views/Terminal.h"
 
@@ -30,12 +31,8 @@ void addReplay(CLI::App& application, Run& run)
     auto* command =
         application.add_subcommand("replay", "Play a recording through the whole service, a line a refresh");
     command->add_option("RECORDING", plan->path, "What to play")->required();
-    command->add_option("--from", plan->from, "Print from so many seconds on")
-        ->type_name("SECONDS")
-        ->check(CLI::NonNegativeNumber);
-    command->add_option("--to", plan->to, "Play up to so many seconds")
-        ->type_name("SECONDS")
-        ->check(CLI::NonNegativeNumber);
+    addMomentOption(*command, "--from", plan->from, "Print from so many seconds on");
+    addMomentOption(*command, "--to", plan->to, "Play up to so many seconds");
     const auto thermal = std::make_shared<bool>(false);
     const auto bluetooth = std::make_shared<bool>(false);
     auto* onlyThermal = command->add_flag("--thermal", *thermal, "Temperatures and fans alone");

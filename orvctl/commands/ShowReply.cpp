@@ -1,6 +1,7 @@
 #include "orvctl/commands/ShowReply.h"
 
 #include "orvctl/collecting/SimulatedClient.h"
+#include "orvctl/commands/MomentOption.h"
 #include "json/JSONWriter.h"
 
 #include <memory>
@@ -34,10 +35,7 @@ void addSimulationOptions(CLI::App& command, SimulatedMoment& moment)
     auto* simulate =
         command.add_option("--simulate", moment.path, "Collect from a machine file or recording, without any service")
             ->type_name("FILE");
-    command.add_option("--at", moment.at, "At so many seconds of the recording")
-        ->type_name("SECONDS")
-        ->check(CLI::NonNegativeNumber)
-        ->needs(simulate);
+    addMomentOption(command, "--at", moment.at, "At so many seconds of the recording")->needs(simulate);
 }
 
 void addReplyOptions(CLI::App& command, Run& run, Request request, ReplyView view)

@@ -18,6 +18,7 @@
 #include "service/ValueSink.h"
 #include "simulated/ManualRunLoop.h"
 #include "simulated/SimulatedPlatform.h"
+#include "simulated/SimulatedProfiler.h"
 #include "json/JSONWriter.h"
 
 #include <sys/wait.h>
@@ -38,23 +39,6 @@ namespace {
 
 using namespace orv;
 
-class PrintingLauncher final : public ProcessLauncher {
-public:
-    explicit PrintingLauncher(const std::string& printed)
-        : output(printed)
-    {
-    }
-
-    void start(
-        const std::string&, const std::vector<std::string>&, std::function<void(std::string output)> onExit) override
-    {
-        onExit(output);
-    }
-
-private:
-    const std::string& output;
-};
-
 /// A machine file brought to life.
 struct Machine {
     explicit Machine(const MachineFile& given)
@@ -64,7 +48,7 @@ struct Machine {
     }
 
     ManualRunLoop runLoop;
-    PrintingLauncher launcher;
+    SimulatedProfiler launcher;
     SimulatedPlatform simulation;
 };
 
