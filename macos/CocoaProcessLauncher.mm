@@ -17,8 +17,12 @@ NSArray<NSString*>* foundationTexts(const std::vector<std::string>& texts)
 // Read only here, after the exit: a child that writes more than a pipe holds is not served, on purpose.
 std::string wholeOutput(NSPipe* pipe)
 {
-    NSData* output = [pipe.fileHandleForReading readDataToEndOfFile];
-    return {static_cast<const char*>(output.bytes), output.length};
+    @try {
+        NSData* output = [pipe.fileHandleForReading readDataToEndOfFile];
+        return {static_cast<const char*>(output.bytes), output.length};
+    } @catch (NSException*) { // how a read error is told, which would end the process
+        return {};
+    }
 }
 
 } // namespace

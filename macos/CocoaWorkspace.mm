@@ -67,6 +67,8 @@ void CocoaWorkspace::openApplication(const std::string& path)
     NSWorkspaceOpenConfiguration* configuration = [[NSWorkspaceOpenConfiguration alloc] init];
     configuration.activates = NO;
     configuration.hides = YES;
+    configuration.promptsUserIfNeeded = NO; // every 40 seconds
+    configuration.addsToRecentItems = NO;
     [NSWorkspace.sharedWorkspace openApplicationAtURL:[NSURL fileURLWithPath:foundationText(path)]
                                         configuration:configuration
                                     completionHandler:nil];
