@@ -1,4 +1,5 @@
 #import "macos/AppDelegate.h"
+#import "macos/ClientRequirement.h"
 #import "macos/CocoaPlatform.h"
 
 // Kept for the life of the process; the listener itself holds its delegate weakly.
@@ -15,6 +16,7 @@ int main()
         orv::setSharedPlatform(orv::cocoaPlatform());
         listenerDelegate = [[AppDelegate alloc] init];
         serviceListener.delegate = listenerDelegate;
+        orv::requireOfClients(serviceListener);
         [serviceListener resume];
     }
     @autoreleasepool {

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
-"""Checks the make-up of a built OrvSMCHelper.app: usage: check_bundle.py APP IDENTIFIER [--signed]"""
+"""Checks the make-up of a built OrvSMCHelper.app, and with --agent that of the launch agent installed with it."""
 
+import argparse
 import pathlib
 import plistlib
 import struct
@@ -11,13 +12,6 @@ MINIMUM_SYSTEMS = {"x86_64": (10, 15), "arm64": (11, 0)}
 PROCESSORS = {0x01000007: "x86_64", 0x0100000C: "arm64"}
 BUILD_VERSION, MINIMUM_VERSION = 0x32, 0x24
 REPLY_TYPE = b'v24@0:8@?<v@?@"NSDictionary">16'
-ENTITLEMENTS = {
-    "com.apple.security.app-sandbox",
-    "com.apple.security.application-groups",
-    "com.apple.security.device.bluetooth",
-    "com.apple.security.device.usb",
-    "com.apple.security.temporary-exception.sbpl",
-}
 
 
 def check(condition, message):
@@ -56,12 +50,13 @@ def check_binary(binary):
         check(REPLY_TYPE in program, f"{processor}: the protocol lacks its extended reply type")
 
 
-def check_information(information, identifier):
+def check_information(information, identifier, requirement):
     expected = {
         "CFBundleIdentifier": identifier,
         "CFBundleExecutable": "OrvSMCHelper",
         "CFBundlePackageType": "APPL",
         "LSBackgroundOnly": True,
+        "OrvClientRequirement": requirement,
     }
     for key, value in expected.items():
         check(information.get(key) == value, f"Info.plist: {key} is {information.get(key)!r}")
@@ -69,21 +64,53 @@ def check_information(information, identifier):
     check(information.get("CFBundleVersion"), "Info.plist: no version")
 
 
-def check_signature(bundle):
-    subprocess.run(["codesign", "--verify", "--strict", bundle], check=True)
+def entitlements_for(group):
+    return {
+        "com.apple.security.app-sandbox": True,
+        "com.apple.security.application-groups": [group],
+        "com.apple.security.device.bluetooth": True,
+        "com.apple.security.device.usb": True,
+        "com.apple.security.temporary-exception.sbpl": ["(allow iokit-open)", "(allow default)"],
+    }
+
+
+def check_signature(bundle, group):
+    subprocess.run(["codesign", "--verify", "--strict", "--deep", bundle], check=True)
     command = ["codesign", "--display", "--entitlements", "-", "--xml", bundle]
     entitlements = plistlib.loads(subprocess.run(command, check=True, capture_output=True).stdout)
-    check(set(entitlements) == ENTITLEMENTS, f"entitlements {sorted(entitlements)}")
+    check(entitlements == entitlements_for(group), f"entitlements {entitlements}")
     shown = subprocess.run(["codesign", "--display", "--verbose", bundle], check=True, capture_output=True, text=True)
     check("runtime" in shown.stderr, "the hardened runtime is off")
 
 
-def main(bundle, identifier, *options):
-    contents = pathlib.Path(bundle) / "Contents"
-    check_binary((contents / "MacOS" / "OrvSMCHelper").read_bytes())
-    check_information(plistlib.loads((contents / "Info.plist").read_bytes()), identifier)
-    if "--signed" in options:
-        check_signature(bundle)
+def check_agent(agent, program, identifier):
+    # Without ProcessType: as "Background" the helper and its children would be throttled for good.
+    expected = {
+        "Label": identifier,
+        "LimitLoadToSessionType": "Aqua",
+        "MachServices": {identifier: True},
+        "ProgramArguments": [str(program.absolute())],
+    }
+    check(agent == expected, f"the launch agent is {agent}")
 
 
-main(*sys.argv[1:])
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("app", type=pathlib.Path)
+    parser.add_argument("--identifier", default="org.orv.SMCHelper")
+    parser.add_argument("--group", default="group.org.orv")
+    parser.add_argument("--requirement", default="", help="what clients have to fulfil")
+    parser.add_argument("--signed", action="store_true")
+    parser.add_argument("--agent", type=pathlib.Path)
+    asked = parser.parse_args()
+    program = asked.app / "Contents" / "MacOS" / "OrvSMCHelper"
+    check_binary(program.read_bytes())
+    information = plistlib.loads((asked.app / "Contents" / "Info.plist").read_bytes())
+    check_information(information, asked.identifier, asked.requirement)
+    if asked.signed:
+        check_signature(asked.app, asked.group)
+    if asked.agent:
+        check_agent(plistlib.loads(asked.agent.read_bytes()), program, asked.identifier)
+
+
+main()
