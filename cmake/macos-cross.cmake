@@ -21,8 +21,8 @@ set(CMAKE_OSX_SYSROOT "${orv_sysroot}" CACHE PATH "" FORCE)
 set(CMAKE_FIND_ROOT_PATH "${orv_sysroot}")
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 
-find_program(orv_clang NAMES clang++-19 REQUIRED)
-foreach(language IN ITEMS CXX OBJCXX)
+find_program(orv_clang NAMES clang++-19 REQUIRED) # which takes each language by the ending of its files
+foreach(language IN ITEMS CXX OBJCXX OBJC)
   set(CMAKE_${language}_COMPILER "${orv_clang}")
   set(CMAKE_${language}_COMPILER_TARGET arm64-apple-macosx)
 endforeach()
@@ -40,9 +40,12 @@ file(CREATE_LINK "${orv_lipo}" "${ORV_CROSS_FOLDER}/lipo" SYMBOLIC)
 set(orv_compile_flags "-B${ORV_CROSS_FOLDER} -nostdinc++ -isystem ${orv_sysroot}/usr/include/c++/v1")
 set(CMAKE_CXX_FLAGS_INIT "${orv_compile_flags}")
 set(CMAKE_OBJCXX_FLAGS_INIT "${orv_compile_flags}")
-set(CMAKE_EXE_LINKER_FLAGS_INIT "--ld-path=${orv_linker} -mlinker-version=711 ${orv_link_flags}")
+set(CMAKE_OBJC_FLAGS_INIT "-B${ORV_CROSS_FOLDER}")
+# What asks for the system's version comes from a library that only Apple's clang has.
+set(CMAKE_EXE_LINKER_FLAGS_INIT
+  "--ld-path=${orv_linker} -mlinker-version=711 -Wl,-U,___isPlatformVersionAtLeast ${orv_link_flags}")
 
 # ar cannot hold objects of more than one processor.
-foreach(language IN ITEMS CXX OBJCXX)
+foreach(language IN ITEMS CXX OBJCXX OBJC)
   set(CMAKE_${language}_CREATE_STATIC_LIBRARY "${orv_libtool} -static -o <TARGET> <OBJECTS>")
 endforeach()

@@ -26,6 +26,7 @@ BELOW = {
     "simulated": ["json", "hardware", "bluetooth"],
     "recording": ["thermal", "bluetooth", "json"],
     "macos": ["explain", "recording"],
+    "examples/menubar": ["macos"],
     "linux/loop": ["platform"],
     "linux/drivers": ["hardware"],
     "linux/bus": ["linux/loop", "service", "simulated"],
@@ -84,7 +85,7 @@ def faults_of(path, text, used):
 def main():
     root = Path(sys.argv[1]).resolve()
     files = [file.relative_to(root).as_posix() for top in sorted({name.split("/")[0] for name in BELOW})
-             for file in (root / top).rglob("*") if file.suffix in {".h", ".cpp", ".mm"}]
+             for file in (root / top).rglob("*") if file.suffix in {".h", ".cpp", ".mm", ".m"}]
     used = set()
     faults = [fault for path in files for fault in faults_of(path, (root / path).read_text(encoding="utf-8"), used)]
     faults += [f"{layer} includes nothing of {name}, which check_layers.py lists below it"
