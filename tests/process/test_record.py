@@ -3,17 +3,19 @@
 import json
 import os
 import random
-import re
 import resource
 import signal
 import subprocess
 import unittest
+
+import jsonschema
 
 from support import BIN, HELPER, MACHINES, NAME, PATH, PATIENCE, ProcessTest, mac, report
 
 ORVCTL = BIN / "orvctl"
 ADDRESS = "AA:BB:CC:DD:EE:01"
 RECORDINGS = MACHINES.parent / "recordings"
+SCHEMAS = MACHINES.parent / "packaging/schemas"
 
 
 def steps(*each):
@@ -102,6 +104,24 @@ class RecordTest(ProcessTest):
             reply = json.loads(self.orvctl("thermal", "--json", "--simulate", given, "--at", str(at)))
             self.assertEqual(reply["TC0P"]["value"], degrees, at)
         self.assertEqual(list(self.temporary.iterdir()), [])
+
+    def test_files_and_lines_follow_their_schemas(self):
+        machine, step, replay = (jsonschema.Draft202012Validator(json.loads((SCHEMAS / f"orv.{name}-1.json").read_text()))
+                                 for name in ("machine-file", "recording-step", "replay"))
+        recorded = self.folder / "recorded"
+        self.said("--simulate", self.file(eventful()), "--for", "200s", "-o", recorded)
+        for path in *MACHINES.glob("*.json"), *RECORDINGS.iterdir(), self.folder / "given.json", recorded:
+            with self.subTest(path=path.name):
+                first, end = json.JSONDecoder().raw_decode(path.read_text())
+                machine.validate(first)
+                for line in filter(None, path.read_text()[end:].splitlines()):
+                    step.validate(json.loads(line))
+                for line in lines_of(self.replayed(path)):
+                    replay.validate(line)
+        for wrong in {"smc": {}}, {"at": -1}, {"at": 1, "smc": {"TC0P": "0"}}, {"at": 1, "hid": {"0": "1"}}, {"at": 1, "x": 1}:
+            self.assertFalse(step.is_valid(wrong), wrong)
+        for wrong in {}, {"sysctl": {"a": 0.5}}, {"sysctl": {}, "smc": [{"key": "five!"}]}, {"format": 2, "sysctl": {}}:
+            self.assertFalse(machine.is_valid(wrong), wrong)
 
     def test_files_are_named_kept_and_replaced_as_asked(self):
         machine = self.machine_file(mac())
