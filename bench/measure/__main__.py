@@ -12,13 +12,15 @@ import tempfile
 import asking
 import living
 import refreshing
+import replaying
 import tables
 import watching
 from bench import Bench
 
 MEASURES = {measure.__name__: measure for measure in (
     asking.request, asking.slow_refresh, asking.mixed_replies, refreshing.code, refreshing.instructions,
-    refreshing.host, living.wake_ups, watching.watch, living.memory, asking.activation, living.endurance)}
+    refreshing.host, living.wake_ups, watching.watch, living.memory, asking.activation, replaying.replay,
+    living.endurance)}
 
 
 def options():
