@@ -107,6 +107,8 @@ Crowd::Crowd(std::size_t count)
     : watchers(count)
 {
     check(sd_bus_open_user(driver.out()), "no bus");
+    const char* name = nullptr; // asked for now, since the bus leaves a connection that says nothing at first
+    check(sd_bus_get_unique_name(driver.get(), &name), "no bus");
     for (auto& watcher : watchers) {
         auto* bus = (check(sd_bus_open_user(watcher.bus.out()), "no bus"), watcher.bus.get());
         check(sd_bus_match_signal(bus, nullptr, service, path.c_str(), "org.freedesktop.DBus.Properties",

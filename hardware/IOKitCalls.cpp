@@ -70,7 +70,9 @@ kern_return_t answer(const SMCParamBlock& input, SMCParamBlock& output)
     }
     if (input.data8 == kSMCReadBytes) {
         Hardware::Bytes bytes{};
-        return reply(hardware.readBytes(input.key, bytes), [&] { std::ranges::copy(bytes, output.bytes); });
+        // As many as the caller names: who forgets to gets none.
+        const auto count = std::min<std::size_t>(input.keyInfo.dataSize, bytes.size());
+        return reply(hardware.readBytes(input.key, bytes), [&] { std::copy_n(bytes.begin(), count, output.bytes); });
     }
     return badArgument;
 }

@@ -9,10 +9,10 @@ namespace orv {
 ThermalDictionary::ThermalDictionary(std::initializer_list<Entry> listed)
 {
     for (const auto& [code, reading] : listed)
-        insert_or_assign(code, reading);
+        insert_or_assign(std::string(code), Reading(reading));
 }
 
-void ThermalDictionary::insert_or_assign(std::string code, Reading reading)
+void ThermalDictionary::insert_or_assign(std::string&& code, Reading&& reading)
 {
     if (entries.empty() || entries.back().first < code) {
         entries.emplace_back(std::move(code), std::move(reading));

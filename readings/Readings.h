@@ -45,7 +45,7 @@ public:
 
     void reserve(std::size_t count) { entries.reserve(count); }
     /// Stores a reading, replacing an earlier one of the same code. Quick for a code behind all others.
-    void insert_or_assign(std::string code, Reading reading);
+    void insert_or_assign(std::string&& code, Reading&& reading);
     /// Takes the readings of the codes that this one lacks.
     void merge(ThermalDictionary& other);
 

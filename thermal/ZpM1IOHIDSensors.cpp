@@ -46,7 +46,7 @@ ThermalDictionary readHIDTemperatures(HIDEventSystem& hidEventSystem, Collection
             : !countsAbove(hidThreshold, degrees) ? ServiceOutcome::belowThreshold
                                                   : ServiceOutcome::shown;
         if (outcome == ServiceOutcome::shown)
-            temperatures.insert_or_assign(code, TemperatureEntry{std::string(sensor->name), degrees});
+            temperatures.insert_or_assign(std::string(code), TemperatureEntry{std::string(sensor->name), degrees});
         if (observer)
             observer->serviceDecided(code, outcome);
     }

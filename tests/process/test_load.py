@@ -74,6 +74,12 @@ class LoadTest(ProcessTest):
         with open(f"/proc/{self.helper.pid}/status", encoding="utf-8") as status:
             return next(int(line.split()[1]) for line in status if line.startswith(name)) * 1024
 
+    # Whatever the load, this comes once nothing is left to do; a spin takes the half second whole.
+    def helper_uses_little_for_half_a_second(self):
+        used = self.processor_seconds()
+        time.sleep(0.5)
+        return self.processor_seconds() - used < 0.1
+
     def test_client_that_does_not_read_costs_the_helper_no_memory(self):
         self.start_helper(large_mac())
         silent, other = self.client(receive_buffer=4096), self.client()
@@ -108,10 +114,7 @@ class LoadTest(ProcessTest):
         asked = client.send(*[BLUETOOTH] * 60)
         for read in range(0, 15, 5):
             client.replies(asked[:read][-5:])  # makes room for the next ones, part by part
-            self.until(self.helper_rests)
-            used = self.processor_seconds()
-            time.sleep(0.5)
-            self.assertLess(self.processor_seconds() - used, 0.2)
+            self.until(self.helper_uses_little_for_half_a_second)
             # A sanitizer puts space around everything that is allocated.
             self.assertLess(self.memory("VmHWM") - before, (12 if IS_SANITIZED else 8) * size)
         client.close()
