@@ -38,7 +38,7 @@ void addSimulationOptions(CLI::App& command, SimulatedMoment& moment)
     addMomentOption(command, "--at", moment.at, "At so many seconds of the recording")->needs(simulate);
 }
 
-void addReplyOptions(CLI::App& command, Run& run, Request request, ReplyView view)
+void addReplyOptions(CLI::App& command, Run& run, Request request, const ReplyView& view)
 {
     const auto options = std::make_shared<Options>();
     command.add_flag("--json", options->json, "Print the reply exactly, as JSON");

@@ -5,12 +5,13 @@
 #include "orvctl/views/Terminal.h"
 #include "service/Client.h"
 
+#include <functional>
 #include <string>
 
 namespace orv {
 
 struct ReplyView {
-    std::string (*table)(const Dictionary& reply, Colour colour);
+    std::function<std::string(const Dictionary& reply, Colour colour)> table;
     std::string (*age)(const ServiceTiming& timing); // what is said below a table of old readings
 };
 
@@ -18,6 +19,6 @@ struct ReplyView {
 void addSimulationOptions(CLI::App& command, SimulatedMoment& moment);
 
 /// Gives a command that shows one reply its options: as a table or as JSON, of the service or of a machine file.
-void addReplyOptions(CLI::App& command, Run& run, Request request, ReplyView view);
+void addReplyOptions(CLI::App& command, Run& run, Request request, const ReplyView& view);
 
 } // namespace orv

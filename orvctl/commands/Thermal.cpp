@@ -3,12 +3,19 @@
 #include "orvctl/views/Age.h"
 #include "orvctl/views/Table.h"
 
+#include <memory>
+
 namespace orv {
 
 void addThermal(CLI::App& application, Run& run)
 {
     auto* command = application.add_subcommand("thermal", "Temperatures and fans");
-    addReplyOptions(*command, run, Request::thermal, {thermalTable, thermalAge});
+    const auto isFlat = std::make_shared<bool>(false);
+    command->add_flag("--flat", *isFlat, "One list by title, without groups");
+    const auto table = [isFlat](const Dictionary& reply, Colour colour) {
+        return *isFlat ? flatThermalTable(reply, colour) : thermalTable(reply, colour);
+    };
+    addReplyOptions(*command, run, Request::thermal, {table, thermalAge});
 }
 
 } // namespace orv

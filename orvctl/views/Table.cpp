@@ -1,8 +1,10 @@
 #include "orvctl/views/Table.h"
 
 #include "orvctl/views/LevelNames.h"
+#include "orvctl/views/NaturalOrder.h"
 #include "orvctl/views/Printable.h"
 #include "orvctl/views/Text.h"
+#include "thermal/SensorGroup.h"
 #include "json/JSONWriter.h"
 
 #include <fmt/format.h>
@@ -10,6 +12,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
+#include <map>
 #include <string_view>
 #include <tuple>
 #include <vector>
@@ -36,6 +39,11 @@ struct Reading {
     bool operator<(const Reading& other) const { return std::tie(title, code) < std::tie(other.title, other.code); }
 };
 
+bool naturally(const Reading& left, const Reading& right)
+{
+    return left.title == right.title ? left.code < right.code : comesNaturallyBefore(left.title, right.title);
+}
+
 std::vector<Reading> readingsOfType(const Dictionary& reply, std::string_view type)
 {
     std::vector<Reading> readings;
@@ -48,10 +56,31 @@ std::vector<Reading> readingsOfType(const Dictionary& reply, std::string_view ty
     return readings;
 }
 
+double celsius(const Reading& reading)
+{
+    return member<double>(*reading.entry, "value");
+}
+
 std::string temperatureRow(const Reading& reading)
 {
-    return row(fmt::format("  {}{}{:>8.1f} °C", padded(titleWidth, reading.title), padded(8, reading.code),
-        member<double>(*reading.entry, "value")));
+    return row(
+        fmt::format("  {}{}{:>8.1f} °C", padded(titleWidth, reading.title), padded(8, reading.code), celsius(reading)));
+}
+
+// Several sensors may have one title; then its key tells which.
+std::string nameAmong(const std::vector<Reading>& readings, const Reading& reading)
+{
+    const bool isUnique = std::ranges::count(readings, reading.title, &Reading::title) == 1;
+    return isUnique ? reading.title : reading.title + ' ' + reading.code;
+}
+
+std::string groupHeading(const SensorGroupRow& group, const std::vector<Reading>& readings)
+{
+    const auto hottest = std::ranges::max_element(readings, {}, celsius);
+    auto text = std::string(group.heading);
+    if (readings.size() > 1)
+        text += fmt::format(": hottest {}, {:.1f} °C", nameAmong(readings, *hottest), celsius(*hottest));
+    return cutTo(pageWidth, text);
 }
 
 std::string fanRow(const Reading& reading)
@@ -60,6 +89,30 @@ std::string fanRow(const Reading& reading)
     return row(fmt::format("  {}{}{:>8} rpm  ({} to {})", padded(titleWidth, reading.title), padded(8, reading.code),
         member<std::int64_t>(fan, "value"), member<std::int64_t>(fan, "minvalue"),
         member<std::int64_t>(fan, "maxvalue")));
+}
+
+constexpr const char* emptyThermalTable = "No temperatures and no fans.\n";
+
+std::string rows(const std::string& title, const std::vector<Reading>& readings,
+    std::string (*rowOf)(const Reading& reading), Colour colour)
+{
+    auto text = readings.empty() ? std::string() : heading(title, colour);
+    for (const auto& reading : readings)
+        text += rowOf(reading);
+    return text;
+}
+
+std::string groupedTemperatures(const Dictionary& reply, Colour colour)
+{
+    std::map<SensorGroup, std::vector<Reading>> groups;
+    for (const auto& reading : readingsOfType(reply, "temperature"))
+        groups[groupOf(reading.title)].push_back(reading);
+    std::string table;
+    for (auto& [group, readings] : groups) {
+        std::ranges::sort(readings, naturally);
+        table += rows(groupHeading(rowOf(group), readings), readings, temperatureRow, colour);
+    }
+    return table;
 }
 
 bool isLevel(const Member& levelOrOther)
@@ -109,18 +162,18 @@ std::vector<Member> sortedByKey(const Dictionary& reply)
 
 std::string thermalTable(const Dictionary& reply, Colour colour)
 {
-    const auto temperatures = readingsOfType(reply, "temperature");
-    const auto fans = readingsOfType(reply, "fans");
-    std::string table;
-    if (!temperatures.empty())
-        table += heading("Temperatures", colour);
-    for (const auto& temperature : temperatures)
-        table += temperatureRow(temperature);
-    if (!fans.empty())
-        table += heading("Fans", colour);
-    for (const auto& fan : fans)
-        table += fanRow(fan);
-    return table.empty() ? "No temperatures and no fans.\n" : table;
+    auto table = groupedTemperatures(reply, colour);
+    auto fans = readingsOfType(reply, "fans");
+    std::ranges::sort(fans, naturally);
+    table += rows("Fans", fans, fanRow, colour);
+    return table.empty() ? emptyThermalTable : table;
+}
+
+std::string flatThermalTable(const Dictionary& reply, Colour colour)
+{
+    auto table = rows("Temperatures", readingsOfType(reply, "temperature"), temperatureRow, colour)
+        + rows("Fans", readingsOfType(reply, "fans"), fanRow, colour);
+    return table.empty() ? emptyThermalTable : table;
 }
 
 std::string bluetoothTable(const Dictionary& reply, Colour colour)

@@ -22,6 +22,8 @@ _orvctl()
     elif [[ ${COMP_WORDS[1]} == replay ]]; then
         compopt -o default
         words="--from --to --thermal --bluetooth --help"
+    elif [[ ${COMP_WORDS[1]} == thermal ]]; then
+        words="--flat --json --simulate --at --help"
     else
         words="--json --simulate --at --help"
     fi

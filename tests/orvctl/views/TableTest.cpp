@@ -1,6 +1,7 @@
 #include "orvctl/views/Table.h"
 
 #include "orvctl/views/ColumnWidth.h"
+#include "orvctl/views/NaturalOrder.h"
 #include "json/JSONReader.h"
 
 #include <gtest/gtest.h>
@@ -21,20 +22,51 @@ Dictionary reply(const std::string& text)
 
 } // namespace
 
-TEST(ThermalTable, IsSortedByKindAndTitleWithUnits)
+TEST(ThermalTable, GroupsBySensorInNaturalOrderAndNamesTheHottest)
 {
-    const auto table = thermalTable(reply(R"({
-        "F0Ac": {"title": "Left Side", "type": "fans", "unit": "rpm", "value": 2000, "minvalue": 1200, "maxvalue": 6500},
-        "TC0P": {"title": "CPU Proximity", "type": "temperature", "unit": "celcius", "value": 47.55},
-        "TA0P": {"title": "Ambient 1", "type": "temperature", "unit": "celcius", "value": 21.0}})"),
-        Colour::off);
-    EXPECT_EQ(table,
+    const auto given = reply(R"({
+        "F1Ac": {"title": "Fan 10", "type": "fans", "unit": "rpm", "value": 0, "minvalue": 0, "maxvalue": 6500},
+        "F0Ac": {"title": "Fan 2", "type": "fans", "unit": "rpm", "value": 2000, "minvalue": 1200, "maxvalue": 6500},
+        "TC0P": {"title": "Core Performance 10", "type": "temperature", "unit": "celcius", "value": 47.55},
+        "TC1P": {"title": "Core Performance 2", "type": "temperature", "unit": "celcius", "value": 66.0},
+        "TG1D": {"title": "GPU Diode", "type": "temperature", "unit": "celcius", "value": 51.0},
+        "TG0D": {"title": "GPU Diode", "type": "temperature", "unit": "celcius", "value": 50.0},
+        "TA0P": {"title": "Ambient 1", "type": "temperature", "unit": "celcius", "value": 21.0}})");
+    EXPECT_EQ(thermalTable(given, Colour::off),
+        "CPU: hottest Core Performance 2, 66.0 °C\n"
+        "  Core Performance 2                TC1P        66.0 °C\n"
+        "  Core Performance 10               TC0P        47.5 °C\n"
+        "GPU: hottest GPU Diode TG1D, 51.0 °C\n"
+        "  GPU Diode                         TG0D        50.0 °C\n"
+        "  GPU Diode                         TG1D        51.0 °C\n"
+        "Airflow and enclosure\n"
+        "  Ambient 1                         TA0P        21.0 °C\n"
+        "Fans\n"
+        "  Fan 2                             F0Ac        2000 rpm  (1200 to 6500)\n"
+        "  Fan 10                            F1Ac           0 rpm  (0 to 6500)\n");
+    EXPECT_EQ(flatThermalTable(given, Colour::off),
         "Temperatures\n"
         "  Ambient 1                         TA0P        21.0 °C\n"
-        "  CPU Proximity                     TC0P        47.5 °C\n"
+        "  Core Performance 10               TC0P        47.5 °C\n"
+        "  Core Performance 2                TC1P        66.0 °C\n"
+        "  GPU Diode                         TG0D        50.0 °C\n"
+        "  GPU Diode                         TG1D        51.0 °C\n"
         "Fans\n"
-        "  Left Side                         F0Ac        2000 rpm  (1200 to 6500)\n");
-    EXPECT_EQ(thermalTable({}, Colour::off), "No temperatures and no fans.\n");
+        "  Fan 10                            F1Ac           0 rpm  (0 to 6500)\n"
+        "  Fan 2                             F0Ac        2000 rpm  (1200 to 6500)\n");
+    for (const auto table : {thermalTable, flatThermalTable})
+        EXPECT_EQ(table({}, Colour::off), "No temperatures and no fans.\n");
+}
+
+TEST(NaturalOrder, TakesDigitsForNumbersOfAnyLength)
+{
+    const std::vector<std::string> ordered{"", "10", "Core", "Core 0", "Core 02", "Core 2", "Core 2 b", "Core 10",
+        "Core 99999999999999999999", "Core 100000000000000000000", "Core x", "Cores"};
+    for (std::size_t left = 0; left < ordered.size(); ++left) {
+        for (std::size_t right = 0; right < ordered.size(); ++right)
+            EXPECT_EQ(comesNaturallyBefore(ordered[left], ordered[right]), left < right)
+                << ordered[left] << " and " << ordered[right];
+    }
 }
 
 TEST(BluetoothTable, ShowsLevelsAndWhateverElseThereIs)
@@ -61,7 +93,9 @@ TEST(Tables, FitInEightyColumnsAndMoveNoCursor)
         "batteryLevelRight": -9223372036854775808, "batteryLevelCase": 1}})"),
                             Colour::off)
         + thermalTable(reply(R"({"F0Ac": {"title": ")" + longText + R"(", "type": "fans", "value": 9223372036854775807,
-        "minvalue": 9223372036854775807, "maxvalue": 1}, "T": {"title": "x", "type": "temperature", "value": 1e300}})"),
+        "minvalue": 9223372036854775807, "maxvalue": 1}, "T": {"title": "x", "type": "temperature", "value": 1e300},
+        "U": {"title": ")" + longText
+                           + R"(", "type": "temperature", "value": 1e301}})"),
             Colour::off);
     std::istringstream lines(tables);
     for (std::string line; std::getline(lines, line);) {
