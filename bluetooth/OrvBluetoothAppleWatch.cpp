@@ -6,12 +6,6 @@
 
 namespace orv {
 
-namespace {
-
-constexpr Seconds companionTime{5.0}; // for the companion to write its file
-
-} // namespace
-
 std::shared_ptr<OrvBluetoothAppleWatch> OrvBluetoothAppleWatch::create(const Platform& platform)
 {
     const std::shared_ptr<OrvBluetoothAppleWatch> reader(new OrvBluetoothAppleWatch(platform));

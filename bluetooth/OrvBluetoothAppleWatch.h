@@ -16,6 +16,7 @@ class OrvBluetoothAppleWatch final : public RefreshingSource,
                                      public std::enable_shared_from_this<OrvBluetoothAppleWatch> {
 public:
     static constexpr Seconds reloadInterval{40.0};
+    static constexpr Seconds companionTime{5.0}; // for the companion to write its file
 
     /// The reader, with its first cycle under way.
     static std::shared_ptr<OrvBluetoothAppleWatch> create(const Platform& platform);

@@ -58,7 +58,10 @@ void Recorder::begin(Seconds interval)
     start(interval);
     platform.bluetoothEvents.observe([this] { happened("connect"); }, [this] { happened("pair"); });
     monitor = OrvBluetoothSysProfile::create(tappedPlatform);
-    platform.runLoop.runAfter(Seconds(patienceForReport), [this] {
+    looks = WatchLooks::create(platform, [this] { lookAtWatchFile(); });
+    platform.runLoop.runAfter(Seconds(patienceForReport), [this, isThere = std::weak_ptr(looks)] {
+        if (isThere.expired())
+            return;
         tap.giveUpBefore(target.now());
         writeHeld();
     });
@@ -109,6 +112,15 @@ void Recorder::takeMoment()
     hasFirst = true;
     isWaking = false;
     latest = std::move(moment);
+}
+
+void Recorder::lookAtWatchFile()
+{
+    auto found = watchFile();
+    if (found == latest.watch)
+        return;
+    add({{"watch", found.value_or(Value())}});
+    latest.watch = std::move(found);
 }
 
 void Recorder::nameFailingTypes()

@@ -6,6 +6,7 @@
 #include "recording/RecordingText.h"
 #include "recording/ReportTap.h"
 #include "recording/StandIns.h"
+#include "recording/WatchLooks.h"
 #include "refresh/RefreshingSource.h"
 #include "thermal/OrvTemperatureFans.h"
 
@@ -31,7 +32,7 @@ struct RecordingTarget {
 
 /// Records a machine: at its start, at an interval and on wake, never while the computer sleeps. Sensors are collected
 /// as the service collects them, the profiler runs when the service would run it, and the companion never does; its
-/// file is read as it stands. Main thread only.
+/// file is read as it stands, then and when the service would read it. Main thread only.
 class Recorder final : public RefreshingSource {
 public:
     Recorder(const Platform& platform, RecordingTarget target);
@@ -57,6 +58,7 @@ private:
 
     void beginUpdate() override;
     void takeMoment();
+    void lookAtWatchFile();
     void nameFailingTypes();
     void readWhatCollectionsLeaveOut();
     std::optional<Value> watchFile();
@@ -76,6 +78,7 @@ private:
     ReportTap tap;
     Platform tappedPlatform; // with the tap for a launcher
     std::shared_ptr<OrvBluetoothSysProfile> monitor;
+    std::shared_ptr<WatchLooks> looks;
 
     RecordedMoment first; // with every key
     RecordedMoment latest; // with the keys that collections can use

@@ -84,13 +84,15 @@ void SimulatedBundle::runCompanion()
 void SimulatedBundle::setWatchFile(std::optional<std::string> content)
 {
     hasCompanion = hasCompanion || content;
+    bool isWritten = isKeptWritten;
     {
         const std::lock_guard lock(mutex);
         watchFile.swap(content);
         if (!watchFile && state == State::present)
             std::remove(paths.file.c_str());
+        isWritten = isWritten || state == State::present;
     }
-    if (isKeptWritten)
+    if (isWritten)
         runCompanion();
 }
 

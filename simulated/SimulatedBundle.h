@@ -25,8 +25,8 @@ public:
 
     /// What the companion does when it is opened: writes its file in one step, or leaves it as it is.
     void runCompanion();
-    /// What it writes from now on; a machine that is given a content has a companion. Nothing: the file goes, and the
-    /// companion writes none.
+    /// What it writes from now on, at once where it was opened before; a machine that is given a content has a
+    /// companion. Nothing: the file goes, and the companion writes none.
     void setWatchFile(std::optional<std::string> content);
     /// From now on the file stands there as soon as there is a content, without a companion.
     void keepWatchFileWritten();

@@ -45,7 +45,7 @@ BELOW = {
     "bench/support": ["simulated", "thermal"],
     "bench": ["bench/support", "tests/support"],
     "fuzz/support": ["tests/support"],
-    "fuzz": ["fuzz/support", "linux"],
+    "fuzz": ["fuzz/support", "linux", "orvctl/collecting"],
 }
 INCLUDE = re.compile(r'^\s*#\s*(?:include|import)\s*"([^"]+)"', re.MULTILINE)
 SYSTEM_CHECK = re.compile(r"^\s*#.*\b(__APPLE__|__linux__)\b", re.MULTILINE)

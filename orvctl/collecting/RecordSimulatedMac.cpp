@@ -31,7 +31,7 @@ std::optional<std::string> recordSimulatedMac(const std::string& path,
     mac->player.begin();
     mac->runLoop.runPending();
     const double end = plan.length.value_or(0);
-    while (now() < end && !plan.shouldStop())
+    while (now() < end && !plan.shouldStop(now()))
         mac->player.playTo(std::min(end, now() + plan.interval), mac->runLoop);
     if (plan.length)
         recorder.end();

@@ -14,13 +14,10 @@ namespace orv {
 
 namespace {
 
-// On the manual clock the companion's five seconds pass at once.
-constexpr Seconds untilWatchFileIsRead{5.0};
-
 BluetoothBatteryDictionary collectBluetoothReadings(RecordedMac& mac)
 {
     const auto watch = OrvBluetoothAppleWatch::create(mac.simulation.platform);
-    mac.runLoop.advance(untilWatchFileIsRead);
+    mac.runLoop.advance(OrvBluetoothAppleWatch::companionTime); // at once, on the manual clock
     mac.simulation.bundle.removeContainer(); // at once: however this program ends, no folder is left behind
     const auto monitor = OrvBluetoothSysProfile::create(mac.simulation.platform);
     mac.runLoop.runPending();
