@@ -2,10 +2,12 @@
 
 import json
 import os
+import signal
+import subprocess
 import unittest
 
 from host import APPLESMC, HostTest
-from support import BIN
+from support import BIN, PATIENCE
 
 
 class SensorFilesTest(HostTest):
@@ -38,6 +40,26 @@ class SensorFilesTest(HostTest):
         else:
             self.assertIn(obstacle["id"], ("no-group", "no-member", "member-later", "no-group-access"))
             self.assertRegex(obstacle["command"], "^sudo ")
+
+    def test_driver_is_recorded(self):
+        self.write_intel(temp1_label="TC0P\n", temp1_input="47500\n", temp2_label="TC1P\n", temp2_input="-127000\n",
+                         fan1_input="2157\n", fan1_min="2160\n")
+        orvctl = self.copy(BIN / "orvctl", "bin")
+        process = self.start(orvctl, "record", "--for", "1h", "--every", "0.1s", "-o", "-", stdout=subprocess.PIPE,
+                             stderr=subprocess.PIPE)
+        recorded = ""
+        while not recorded.endswith("\n}\n"):
+            recorded += process.stdout.readline()
+        self.write_intel(temp1_input="50000\n")
+        step = process.stdout.readline()
+        process.send_signal(signal.SIGINT)
+        rest, said = process.communicate(timeout=PATIENCE)
+        self.assertEqual((process.returncode, said.count("\n")), (0, 1), said)
+        self.assertIn("4 keys with their values", said)
+        path = self.machine_file(recorded + step + rest)
+        shown = [{key: entry["value"] for key, entry in json.loads(line)["thermal"].items()}
+                 for line in self.run_program(orvctl, "replay", path).stdout.splitlines()]
+        self.assertEqual((shown[0], shown[-1]), ({"TC0P": 47.5, "F0Ac": 2157}, {"TC0P": 50.0, "F0Ac": 2157}))
 
     def explain(self):
         done = self.run_program(self.copy(BIN / "orvctl", "bin"), "explain", "--json")
