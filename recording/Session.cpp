@@ -33,7 +33,7 @@ void RecordingSession::check()
     if (!checks)
         return;
     const bool isOver = plan.length ? now() >= *plan.length : machine.isSettled();
-    if (!isOver && !plan.shouldStop())
+    if (!isOver && !plan.shouldStop(now()))
         return;
     if (plan.length || !isOver)
         machine.end();

@@ -14,7 +14,7 @@ class Timer;
 struct RecordingPlan {
     std::optional<double> length; // seconds; without: one moment
     double interval = 5; // seconds
-    std::function<bool()> shouldStop; // asked several times a second
+    std::function<bool(double reached)> shouldStop; // asked several times a second
 };
 
 /// Records a machine in real time until its plan is fulfilled. Main thread only.

@@ -29,8 +29,11 @@ public:
     {
         mac.player.begin();
         const double end = plan.to.value_or(mac.recording.length());
-        while (!isRefused && mac.player.position() < end)
+        while (!isRefused && mac.player.position() < end) {
             mac.player.playTo(std::min(end, mac.player.position() + interval), mac.runLoop);
+            if (plan.progress)
+                plan.progress(mac.player.position(), end);
+        }
         // What has changed since the last refresh is seen by the next one.
         if (!plan.to && !isRefused && shownAt < end)
             mac.player.playTo(end + interval, mac.runLoop);

@@ -12,6 +12,7 @@ struct ReplayPlan {
     std::optional<double> to; // without: to its end, and on to the refresh that shows it
     bool showsThermal = true;
     bool showsBluetooth = true;
+    std::function<void(double reached, double end)> progress = nullptr; // told now and then
 };
 
 /// Plays a recording on the manual clock through the whole server and hands over one line of JSON for each refresh,

@@ -3,10 +3,13 @@
 #include "orvctl/commands/Commands.h"
 #include "orvctl/commands/Duration.h"
 #include "orvctl/views/Interruption.h"
+#include "orvctl/views/Progress.h"
 #include "orvctl/views/Terminal.h"
 #include "recording/RecordingOutput.h"
 #include "recording/ThisMac.h"
 #include "thermal/ZpSystemInfo.h"
+
+#include <unistd.h>
 
 #include <cstdio>
 #include <ctime>
@@ -67,6 +70,7 @@ public:
     }
 
     bool hasFailed() const { return output && !output->fault().empty(); }
+    bool isOnTerminal() const { return mode == WritingMode::toStandardOutput && isatty(STDOUT_FILENO); }
     bool isRead() { return !output || output->isRead(); }
     int finish(const std::string& summary)
     {
@@ -91,6 +95,22 @@ private:
     std::unique_ptr<RecordingOutput> output;
 };
 
+// What was kept, or nothing and a fault of the machine file.
+std::optional<std::string> recordInto(
+    LateOutput& output, const std::optional<std::string>& machinePath, RecordingPlan plan, std::string& fault)
+{
+    const Interruption interruption;
+    Progress progress(!output.isOnTerminal());
+    plan.shouldStop = [&](double reached) {
+        progress.show(reached, plan.length.value_or(0));
+        return output.hasFailed() || !output.isRead() || interruption.hasCome();
+    };
+    const auto write = [&](const std::string& text) { output.write(text); };
+    if (machinePath)
+        return recordSimulatedMac(*machinePath, write, plan, fault);
+    return recordThisMac(write, plan);
+}
+
 int record(const Options& options)
 {
     const auto length = options.length ? parseDuration(*options.length) : std::nullopt;
@@ -103,14 +123,8 @@ int record(const Options& options)
     LateOutput output(options, length.has_value());
     if (output.hasFailed())
         return output.finish({});
-    const Interruption interruption;
-    const auto write = [&](const std::string& text) { output.write(text); };
-    const RecordingPlan plan{
-        length, *interval, [&] { return output.hasFailed() || !output.isRead() || interruption.hasCome(); }};
-    if (!options.machinePath)
-        return output.finish(recordThisMac(write, plan));
     std::string fault;
-    const auto summary = recordSimulatedMac(*options.machinePath, write, plan, fault);
+    const auto summary = recordInto(output, options.machinePath, {length, *interval, nullptr}, fault);
     return summary ? output.finish(*summary) : complain(fault, 2);
 }
 

@@ -3,7 +3,10 @@
 #include "orvctl/commands/Commands.h"
 #include "orvctl/commands/MomentOption.h"
 #include "orvctl/views/Interruption.h"
+#include "orvctl/views/Progress.h"
 #include "orvctl/views/Terminal.h"
+
+#include <unistd.h>
 
 #include <memory>
 
@@ -11,11 +14,13 @@ namespace orv {
 
 namespace {
 
-int replayRecording(const ReplayPlan& plan)
+int replayRecording(ReplayPlan plan)
 {
     std::string fault;
     int status = 0;
     const Interruption interruption;
+    Progress progress(!isatty(STDOUT_FILENO));
+    plan.progress = [&](double reached, double end) { progress.show(reached, end); };
     const auto printLine = [&](const std::string& line) {
         status = print(line);
         return status == 0 && !interruption.hasCome();

@@ -2,6 +2,7 @@
 
 import json
 import os
+import pty
 import random
 import resource
 import signal
@@ -10,7 +11,7 @@ import unittest
 
 import jsonschema
 
-from support import BIN, HELPER, MACHINES, NAME, PATH, PATIENCE, ProcessTest, mac, report
+from support import BIN, HELPER, MACHINES, NAME, PATH, PATIENCE, ProcessTest, mac, needs_a_terminal, report
 
 ORVCTL = BIN / "orvctl"
 ADDRESS = "AA:BB:CC:DD:EE:01"
@@ -239,6 +240,26 @@ class RecordTest(ProcessTest):
             self.assertIn("later moments", process.stderr.read())
             self.assertGreater(lines_of(target.read_text().partition("\n}\n")[2])[-1]["at"], 0)
             self.assertTrue(self.replayed(target, "--to", "5"))
+
+    @needs_a_terminal
+    def test_progress_is_for_a_terminal_and_goes(self):
+        controller, terminal = pty.openpty()
+        process = self.start(ORVCTL, "record", "--simulate", self.file(stepping()), "--for", "30000h", "-o",
+                             self.temporary / "file", stderr=terminal)
+        os.close(terminal)
+        shown = b""
+        try:
+            while piece := os.read(controller, 4096):
+                if shown.count(b"%") < 2 <= (shown + piece).count(b"%"):
+                    process.send_signal(signal.SIGINT)
+                shown += piece
+        except OSError:  # how the end of a terminal reads
+            pass
+        os.close(controller)
+        self.assertEqual(process.wait(PATIENCE), 0)
+        *lines, last = shown.decode().split("\r\x1b[K")
+        self.assertRegex(lines[1], r"\A\d+:\d\d:\d\d of 30000:00:00 \(0 %\)\Z")
+        self.assertRegex(last, r"\Aorvctl: [^\r\n]* later moments\r\n\Z")
 
 
 if __name__ == "__main__":
