@@ -21,4 +21,7 @@ struct InspectionAnswer {
 /// Inspects the computer that the program runs on.
 InspectionAnswer inspectThisMac(const std::vector<std::string>& wantedKeys);
 
+/// Which model the computer is that the program runs on.
+std::string modelOfThisMac();
+
 } // namespace orv

@@ -1,8 +1,8 @@
 #include "linux/HostPlatform.h"
 
-#include "linux/ProgramPaths.h"
 #include "linux/SpawnLauncher.h"
 #include "linux/loop/EventRunLoop.h"
+#include "platform/ProgramPaths.h"
 #include "smc/SMC.h"
 
 namespace orv {

@@ -2,27 +2,43 @@
 #include "linux/HostObstacles.h"
 #include "linux/NoHIDEventSystem.h"
 #include "linux/ProfilerProgram.h"
-#include "linux/ProgramPaths.h"
 #include "linux/SpawnLauncher.h"
 #include "linux/XdgBundle.h"
 #include "linux/drivers/HostHardware.h"
+#include "platform/ProgramPaths.h"
 
 #include <cstdlib>
 #include <utility>
 
 namespace orv {
 
-InspectionAnswer inspectThisMac(const std::vector<std::string>& wantedKeys)
+namespace {
+
+std::string hostRoot()
 {
     const char* root = std::getenv("ORV_ROOT");
+    return root ? root : "";
+}
+
+} // namespace
+
+InspectionAnswer inspectThisMac(const std::vector<std::string>& wantedKeys)
+{
     SysfsAttributes attributes;
-    HostHardware hardware(root ? root : "", attributes);
+    HostHardware hardware(hostRoot(), attributes);
     setHardware(hardware);
     NoHIDEventSystem hidEventSystem;
     SpawnLauncher launcher(hostProfilerProgram());
     const XdgBundle bundle(ORV_BUNDLE_IDENTIFIER, installationPrefix());
     auto inspection = inspect({hidEventSystem, launcher, bundle}, wantedKeys);
     return {InspectedMac{std::move(inspection), hostObstacles(hardware)}, {}};
+}
+
+std::string modelOfThisMac()
+{
+    SysfsAttributes attributes;
+    const auto model = HostHardware(hostRoot(), attributes).systemValue("hw.model").value_or("");
+    return model.c_str(); // without the NUL behind it
 }
 
 } // namespace orv

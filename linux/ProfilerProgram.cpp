@@ -1,7 +1,7 @@
 #include "linux/ProfilerProgram.h"
 
 #include "bluetooth/ZpBluetoothSysProfile.h"
-#include "linux/ProgramPaths.h"
+#include "platform/ProgramPaths.h"
 
 #include <cstdio>
 #include <filesystem>

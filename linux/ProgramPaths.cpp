@@ -1,4 +1,4 @@
-#include "linux/ProgramPaths.h"
+#include "platform/ProgramPaths.h"
 
 #include <filesystem>
 #include <system_error>

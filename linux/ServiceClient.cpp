@@ -1,10 +1,10 @@
-#include "linux/ProgramPaths.h"
 #include "linux/bus/BusFault.h"
 #include "linux/bus/BusHandles.h"
 #include "linux/bus/BusMessageReader.h"
 #include "linux/bus/BusNames.h"
 #include "linux/bus/SensorsProperties.h"
 #include "linux/bus/UnitState.h"
+#include "platform/ProgramPaths.h"
 #include "service/Client.h"
 
 #include <systemd/sd-bus.h>

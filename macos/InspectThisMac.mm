@@ -3,6 +3,7 @@
 #import "macos/CocoaBundle.h"
 #import "macos/CocoaProcessLauncher.h"
 #include "macos/IOHIDEventSystem.h"
+#include "thermal/ZpSystemInfo.h"
 
 namespace orv {
 
@@ -30,6 +31,11 @@ InspectionAnswer inspectThisMac(const std::vector<std::string>& wantedKeys)
         const CocoaBundle bundle(helperBundle());
         return {InspectedMac{inspect({hidEventSystem, launcher, bundle}, wantedKeys), {}}, {}};
     }
+}
+
+std::string modelOfThisMac()
+{
+    return ZpSystemInfo::modelIdentifier();
 }
 
 } // namespace orv

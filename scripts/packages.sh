@@ -1,7 +1,7 @@
 # What each script needs of Debian 12.
-build_packages=(g++ cmake ninja-build pkg-config libsystemd-dev nlohmann-json3-dev libfmt-dev libcli11-dev)
+build_packages=(g++ cmake ninja-build pkg-config libsystemd-dev nlohmann-json3-dev libfmt-dev libcli11-dev libncurses-dev)
 run_packages=(dbus dbus-daemon)
-test_packages=(clang-format-19 googletest python3 libglib2.0-bin systemd python3-dbusmock python3-jsonschema procps dpkg-dev file man-db
+test_packages=(clang-format-19 googletest python3 libglib2.0-bin systemd python3-dbusmock python3-jsonschema python3-pyte procps dpkg-dev file man-db
   util-linux)
 clang_packages=(clang-19 libc++-19-dev libc++abi-19-dev libclang-rt-19-dev) # of the presets libcxx, asan and tsan
 bench_packages=(libbenchmark-dev libsensors-dev python3 systemd util-linux valgrind)

@@ -37,6 +37,8 @@ BELOW = {
     "orvctl/collecting": ["service", "simulated", "explain", "recording"],
     "orvctl/commands": ["orvctl/collecting", "orvctl/watching"],
     "orvctl": ["orvctl/commands", "orvctl/views"],
+    "orvctl/top": ["orvctl/watching"],
+    "orvctl/screen": ["orvctl/top", "orvctl"],
     "tests/compat": ["platform/compat"],
     "tests/support": ["linux/bus", "linux/drivers"],
     "tests/proof": ["explain", "simulated"],

@@ -4,42 +4,23 @@
 #include "orvctl/collecting/SimulatedClient.h"
 #include "orvctl/collecting/SimulatedInspection.h"
 #include "orvctl/collecting/SimulatedWatch.h"
+#include "platform/ProgramPaths.h"
 
 #include <crt_externs.h>
-#include <mach-o/dyld.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdint>
 #include <cstring>
-#include <filesystem>
-#include <system_error>
 
 namespace orv {
-
-namespace {
-
-std::filesystem::path ownFile()
-{
-    std::string path(1024, '\0');
-    auto size = static_cast<std::uint32_t>(path.size());
-    if (_NSGetExecutablePath(path.data(), &size) != 0) {
-        path.resize(size); // which now says how much is needed
-        _NSGetExecutablePath(path.data(), &size);
-    }
-    std::error_code error;
-    return std::filesystem::canonical(path.c_str(), error);
-}
-
-} // namespace
 
 // This program is linked with the calls of the Mac it runs on. The one that is linked with the simulated ones takes
 // its place, with the same arguments, and normally never comes back from there.
 std::optional<std::string> enterSimulation()
 {
-    const auto program = ownFile().parent_path().parent_path() / "libexec/orv/orvctl-simulated";
+    const auto program = helperProgram("orvctl-simulated");
     execv(program.c_str(), *_NSGetArgv());
-    return program.string() + ": " + std::strerror(errno);
+    return program + ": " + std::strerror(errno);
 }
 
 ServiceAnswer askSimulatedMac(Request, const SimulatedMoment&)

@@ -27,6 +27,11 @@ InspectionAnswer inspectThisMac(const std::vector<std::string>&)
     return {std::nullopt, refusal};
 }
 
+std::string modelOfThisMac()
+{
+    return {};
+}
+
 std::string recordThisMac(const std::function<void(const std::string& text)>&, const RecordingPlan&)
 {
     return {};

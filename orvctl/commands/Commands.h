@@ -16,11 +16,12 @@ using AddCommand = void (*)(CLI::App& application, Run& run);
 void addThermal(CLI::App& application, Run& run);
 void addBluetooth(CLI::App& application, Run& run);
 void addWatch(CLI::App& application, Run& run);
+void addTop(CLI::App& application, Run& run);
 void addExplain(CLI::App& application, Run& run);
 void addRecord(CLI::App& application, Run& run);
 void addReplay(CLI::App& application, Run& run);
 
 /// In the order in which --help lists them.
-inline constexpr std::array allCommands{addThermal, addBluetooth, addWatch, addExplain, addRecord, addReplay};
+inline constexpr std::array allCommands{addThermal, addBluetooth, addWatch, addTop, addExplain, addRecord, addReplay};
 
 } // namespace orv

@@ -21,8 +21,14 @@ std::string_view text(const Dictionary& entry, std::string_view member)
     return found ? std::string_view(*found) : std::string_view();
 }
 
+double speed(const Dictionary& entry, std::string_view member)
+{
+    const auto* found = entry.findAs<std::int64_t>(member);
+    return found ? static_cast<double>(*found) : 0;
+}
+
 void addFigure(std::vector<Figure>& figures, std::string_view key, std::string_view title, std::string_view unit,
-    const Value& value)
+    const Value& value, double least = 0, double most = 0)
 {
     double number = 0;
     if (const auto* real = value.as<double>())
@@ -34,7 +40,7 @@ void addFigure(std::vector<Figure>& figures, std::string_view key, std::string_v
     if (std::isnan(number))
         return;
     const auto exact = std::isfinite(number) ? writeJSON(value, KeyOrder::asListed) : number > 0 ? "inf" : "-inf";
-    figures.push_back({printable(key), printable(title), unit, number, exact});
+    figures.push_back({printable(key), printable(title), unit, number, exact, least, most});
 }
 
 void addThermal(std::vector<Figure>& figures, const Member& sensor, std::string_view type, std::string_view unit)
@@ -42,7 +48,8 @@ void addThermal(std::vector<Figure>& figures, const Member& sensor, std::string_
     const auto* entry = sensor.value.as<Dictionary>();
     const auto* value = entry && text(*entry, "type") == type ? entry->find("value") : nullptr;
     if (value)
-        addFigure(figures, sensor.key, text(*entry, "title"), unit, *value);
+        addFigure(figures, sensor.key, text(*entry, "title"), unit, *value, speed(*entry, "minvalue"),
+            speed(*entry, "maxvalue"));
 }
 
 void addLevels(std::vector<Figure>& figures, const Member& device)

@@ -15,6 +15,8 @@ struct Figure {
     std::string_view unit; // "celsius", "rpm" or "percent"
     double value = 0;
     std::string exact; // as JSON has it, or "inf" or "-inf"
+    double least = 0; // of a fan's speeds
+    double most = 0;
 };
 
 /// The chosen figures in the order in which they were chosen; without a choice by kind and key.

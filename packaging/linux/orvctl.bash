@@ -10,11 +10,13 @@ _orvctl()
         return
     fi
     if ((COMP_CWORD == 1)); then
-        words="thermal bluetooth watch explain record replay --help --version"
+        words="thermal bluetooth watch top explain record replay --help --version"
     elif [[ $previous == --format ]]; then
         words="table jsonl csv waybar i3bar"
     elif [[ ${COMP_WORDS[1]} == watch ]]; then
         words="--format --only --simulate --help"
+    elif [[ ${COMP_WORDS[1]} == top ]]; then
+        words="--simulate --at --ascii --help"
     elif [[ ${COMP_WORDS[1]} == explain ]]; then
         words="--missing --shown --json --simulate --at --help temperatures fans hid bluetooth watch"
     elif [[ ${COMP_WORDS[1]} == record ]]; then

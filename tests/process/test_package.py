@@ -85,6 +85,7 @@ class PackageTest(ProcessTest):
 
     def test_removal_leaves_nothing(self):
         self.assertIn("/usr/libexec/orv/system_profiler", self.installed())
+        self.assertIn("/usr/libexec/orv/orvctl-top", self.installed())
         tarball, = self.packages.glob("*.tar.gz")
         unpacked = self.folder / "unpacked"
         unpacked.mkdir()
@@ -142,9 +143,10 @@ class PackageTest(ProcessTest):
 
     def test_shell_completes_commands_and_options(self):
         script = self.root / "usr/share/bash-completion/completions/orvctl"
-        for words, expected in (("orvctl ''", "thermal bluetooth watch explain record replay --help --version"),
+        for words, expected in (("orvctl ''", "thermal bluetooth watch top explain record replay --help --version"),
                                 ("orvctl th", "thermal"),
-                                ("orvctl thermal --j", "--json")):
+                                ("orvctl thermal --j", "--json"),
+                                ("orvctl top --a", "--at --ascii")):
             done = run("bash", "-c", f"source '{script}'; COMP_WORDS=({words}); COMP_CWORD=$((${{#COMP_WORDS[@]}} - 1)); "
                        "_orvctl; echo ${COMPREPLY[@]}")
             self.assertEqual((done.stdout.strip(), done.stderr), (expected, ""))

@@ -1,0 +1,65 @@
+#include "orvctl/screen/TerminalRefusal.h"
+
+#include "orvctl/screen/Curses.h"
+
+#include <langinfo.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <string_view>
+
+namespace orv {
+
+namespace {
+
+constexpr const char* instead = "; use orvctl watch";
+
+bool isKnownTerminal()
+{
+    int outcome = 0;
+    if (setupterm(nullptr, STDOUT_FILENO, &outcome) != OK)
+        return false;
+    const char* const moves = tigetstr("cup");
+    return moves && moves != reinterpret_cast<const char*>(-1);
+}
+
+std::size_t sizeOf(unsigned short told, const char* capability)
+{
+    return static_cast<std::size_t>(std::max(told > 0 ? int(told) : tigetnum(capability), 0));
+}
+
+} // namespace
+
+ScreenSize terminalSize()
+{
+    winsize size{};
+    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0)
+        size = {};
+    return {sizeOf(size.ws_col, "cols"), sizeOf(size.ws_row, "lines")}; // a serial line does not tell its size
+}
+
+std::string terminalRefusal()
+{
+    if (!isatty(STDIN_FILENO) || !isatty(STDOUT_FILENO))
+        return std::string("top needs a terminal") + instead;
+    const char* const type = std::getenv("TERM");
+    if (!type || !*type)
+        return std::string("TERM does not say what terminal this is") + instead;
+    if (!isKnownTerminal())
+        return "the terminal \"" + std::string(type) + "\" is not known, or cannot move its cursor" + instead;
+    const auto [width, height] = terminalSize();
+    if (width < smallestScreen.width || height < smallestScreen.height)
+        return "the terminal has " + std::to_string(width) + " columns and " + std::to_string(height)
+            + " lines, top needs " + std::to_string(smallestScreen.width) + " and "
+            + std::to_string(smallestScreen.height) + instead;
+    return {};
+}
+
+bool isUTF8Terminal()
+{
+    return std::string_view(nl_langinfo(CODESET)) == "UTF-8";
+}
+
+} // namespace orv

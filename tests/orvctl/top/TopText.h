@@ -1,0 +1,31 @@
+#pragma once
+
+#include "orvctl/top/Top.h"
+#include "json/JSONReader.h"
+
+#include <string>
+#include <vector>
+
+namespace orv {
+
+inline Dictionary dictionary(const std::string& text)
+{
+    std::string fault;
+    return *parseStrictJSON(text, fault)->as<Dictionary>();
+}
+
+inline std::string sensor(const std::string& key, const std::string& title, double degrees)
+{
+    return '"' + key + R"(": {"type": "temperature", "title": ")" + title + R"(", "value": )" + std::to_string(degrees)
+        + '}';
+}
+
+inline std::string joined(const std::vector<std::string>& members)
+{
+    std::string text = "{";
+    for (const auto& member : members)
+        text += (text.size() > 1 ? "," : "") + member;
+    return text + '}';
+}
+
+} // namespace orv
