@@ -1,5 +1,6 @@
 #include "orvctl/CommandLine.h"
 #include "orvctl/commands/Commands.h"
+#include "orvctl/commands/Version.h"
 #include "orvctl/views/Terminal.h"
 
 #include <exception>
@@ -8,7 +9,7 @@ int main(int argumentCount, char** arguments)
 {
     using namespace orv;
     CLI::App application("Shows what the helper service has measured.", "orvctl");
-    application.set_version_flag("--version", "orvctl " ORV_VERSION);
+    addVersion(application);
     application.require_subcommand(1);
     Run run;
     for (const auto addCommand : allCommands)

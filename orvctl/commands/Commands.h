@@ -20,8 +20,10 @@ void addTop(CLI::App& application, Run& run);
 void addExplain(CLI::App& application, Run& run);
 void addRecord(CLI::App& application, Run& run);
 void addReplay(CLI::App& application, Run& run);
+void addCompletion(CLI::App& application, Run& run);
 
 /// In the order in which --help lists them.
-inline constexpr std::array allCommands{addThermal, addBluetooth, addWatch, addTop, addExplain, addRecord, addReplay};
+inline constexpr std::array allCommands{
+    addThermal, addBluetooth, addWatch, addTop, addExplain, addRecord, addReplay, addCompletion};
 
 } // namespace orv

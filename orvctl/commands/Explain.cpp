@@ -1,6 +1,7 @@
 #include "orvctl/collecting/SimulatedInspection.h"
 #include "orvctl/commands/Commands.h"
 #include "orvctl/commands/ShowReply.h"
+#include "orvctl/completion/CommandWords.h"
 #include "orvctl/views/ExplanationJSON.h"
 #include "orvctl/views/ExplanationText.h"
 #include "orvctl/views/Terminal.h"
@@ -66,6 +67,7 @@ void addExplain(CLI::App& application, Run& run)
     auto* command = application.add_subcommand("explain", "Why each sensor, device and watch is shown or missing");
     const auto options = std::make_shared<Options>();
     command->add_option("WHAT", options->subjects, "Keys, titles, devices, addresses or parts of them")
+        ->check(suggest({"temperatures", "fans", "hid", "bluetooth", "watch"}))
         ->option_text(" ");
     auto* missing = command->add_flag("--missing", options->missing, "Only what is missing");
     command->add_flag("--shown", options->shown, "Only what is shown")->excludes(missing);

@@ -1,6 +1,7 @@
 """The Debian package: made, installed into an empty root, used and removed."""
 
 import configparser
+import gzip
 import json
 import os
 import pathlib
@@ -10,6 +11,8 @@ import subprocess
 import tempfile
 import unittest
 import xml.etree.ElementTree
+
+import jsonschema
 
 from support import BIN, NAME, PATH, REQUESTS, ProcessTest
 
@@ -136,20 +139,40 @@ class PackageTest(ProcessTest):
         self.assertIn(f"chgrp {group} ", rule)
         self.assertIn(f"getent group {group}\"", rule)
 
-    def test_manual_pages_have_no_faults(self):
-        for page in "man8/orv-smc-helper.8", "man1/orvctl.1", "man5/orv-machine-file.5":
-            done = run("man", "--warnings", "-E", "UTF-8", "-l", "-Tutf8", "-Z", self.root / "usr/share/man" / page)
-            self.assertEqual(done.stderr, "")
+    def page(self, name):
+        return gzip.decompress((self.root / f"usr/share/man/man{name[-1]}/{name}.gz").read_bytes()).decode()
 
-    def test_shell_completes_commands_and_options(self):
-        script = self.root / "usr/share/bash-completion/completions/orvctl"
-        for words, expected in (("orvctl ''", "thermal bluetooth watch top explain record replay --help --version"),
-                                ("orvctl th", "thermal"),
-                                ("orvctl thermal --j", "--json"),
-                                ("orvctl top --a", "--at --ascii")):
-            done = run("bash", "-c", f"source '{script}'; COMP_WORDS=({words}); COMP_CWORD=$((${{#COMP_WORDS[@]}} - 1)); "
-                       "_orvctl; echo ${COMPREPLY[@]}")
-            self.assertEqual((done.stdout.strip(), done.stderr), (expected, ""))
+    def test_manual_pages_have_no_faults(self):
+        for page in sorted(self.root.glob("usr/share/man/man*/*")):
+            with self.subTest(page=page.name):
+                done = run("man", "--warnings", "-E", "UTF-8", "-l", "-Tutf8", "-Z", page)
+                self.assertEqual(done.stderr, "")
+                done = subprocess.run(("mandoc", "-T", "lint", "-W", "style", page), capture_output=True, text=True)
+                self.assertEqual((done.stdout, done.stderr), ("", ""))
+
+    def test_every_command_has_a_page_that_names_its_options(self):
+        commands = re.findall(r"^  ([a-z]+) ", self.orvctl("--help").partition("Subcommands:")[2], re.MULTILINE)
+        for command in commands:
+            with self.subTest(command=command):
+                page = self.page(f"orvctl-{command}.1").replace("\\", "")
+                headings = re.findall(r"^\.SH (\w+)", page, re.MULTILINE)
+                self.assertEqual(headings[:4], ["NAME", "SYNOPSIS", "EXAMPLES", "DESCRIPTION"])
+                options = re.findall(r"^  (?:-\w,)?(--[a-z-]+)", self.orvctl(command, "--help"), re.MULTILINE)
+                self.assertEqual([option for option in options if option not in page], [])
+                self.assertIn(f"orvctl\\-{command} (1)", self.page("orvctl.1"))
+
+    def test_installed_schemas_are_the_ones_that_are_named(self):
+        document = json.loads(self.orvctl("--version", "--json"))
+        folder = self.root / "usr/share/orv/schemas"
+        self.assertEqual(sorted(document["schemas"]),
+                         sorted(re.sub(r"-(\d+)$", r"/\1", path.stem) for path in folder.iterdir()))
+        jsonschema.validate(document, json.loads((folder / "orv.version-1.json").read_text()))
+        self.assertEqual(self.orvctl("--version"), f"orvctl {document['version']}\n")
+
+    def test_shells_find_their_completions(self):
+        for shell, place in (("bash", "bash-completion/completions/orvctl"), ("zsh", "zsh/vendor-completions/_orvctl"),
+                             ("fish", "fish/vendor_completions.d/orvctl.fish")):
+            self.assertEqual((self.root / "usr/share" / place).read_text(), self.orvctl("completion", shell))
 
 
 if __name__ == "__main__":
