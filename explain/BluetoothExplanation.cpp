@@ -216,7 +216,9 @@ private:
     void addOthers(const Value& part, std::size_t place)
     {
         const auto* members = part.as<Dictionary>();
-        for (const auto& [name, list] : members ? *members : Dictionary()) {
+        if (!members)
+            return;
+        for (const auto& [name, list] : *members) {
             const auto* elements = list.as<Array>();
             if (elements && elements != log.connected)
                 addUnconnected(*elements, name, place);

@@ -32,6 +32,11 @@ class ExplainTest(ProcessTest):
                 self.assertEqual({key: (row["title"], row["value"]) for key, row in shown.items()},
                                  {key: (entry["title"], entry["value"]) for key, entry in thermal.items()})
                 bluetooth = json.loads(self.orvctl("bluetooth", "--json", "--simulate", machine))
+                parts = json.loads(machine.read_text()).get("bluetooth", {}).get("SPBluetoothDataType", [])
+                self.assertEqual(sorted((row["part"], row["list"], row["element"]) for row in document["bluetooth"]),
+                                 sorted((place, name, element) for place, part in enumerate(parts)
+                                        for name, devices in part.items() if isinstance(devices, list)
+                                        for element in range(len(devices))))
                 entries = document["bluetooth"] + document["watch"]
                 self.assertEqual({row["key"] for row in entries if row["verdict"] == "shown"}, set(bluetooth))
                 text = self.orvctl("explain", "--simulate", machine)
@@ -45,6 +50,7 @@ class ExplainTest(ProcessTest):
             {"My Mouse": {"device_address": "AA:BB:CC:DD:EE:02", "device_minorType": "Pointer"}}]}]}))
         for what, words in {
             "TC0P": "shown",
+            "why does my mouse show no battery": "My Mouse",
             "cpu prox": "TC0P",
             "TG0D": "this Mac does not have it",
             "Tg05": "Macs with Apple silicon later than the first M1 models",

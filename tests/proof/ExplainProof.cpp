@@ -173,6 +173,11 @@ private:
                 [this](const std::string& key) { return inspection.log.holders.contains(key); });
         if (!rows.empty())
             fail("there are rows of no table");
+        std::set<std::tuple<std::size_t, std::string, std::size_t>> elements;
+        for (const auto& row : explanation.bluetooth) {
+            if (!elements.insert({row.part, row.list, row.element}).second)
+                fail("an element of the report is there twice");
+        }
     }
 
     template <typename IsPresent>
