@@ -1,5 +1,6 @@
 #include "explain/Answers.h"
 
+#include "explain/QuestionWords.h"
 #include "thermal/Orv_SMCProfileKeys.h"
 
 #include <algorithm>
@@ -271,8 +272,11 @@ private:
     void sayNothingIsThere()
     {
         std::string devices;
-        for (const auto& row : explanation.bluetooth)
-            devices += (devices.empty() ? "" : ", ") + (row.name.empty() ? "?" : row.name);
+        std::set<std::string> named;
+        for (const auto& row : explanation.bluetooth) {
+            if (named.insert(row.name).second)
+                devices += (devices.empty() ? "" : ", ") + (row.name.empty() ? "?" : row.name);
+        }
         answer.lines.push_back(answer.what
             + ": no listed key, no row of any catalogue, no title, device or entry is called so; the devices of the "
               "Bluetooth report are: "
@@ -285,11 +289,33 @@ private:
     Answer answer;
 };
 
+template <typename Place> void addPlaces(std::vector<Place>& places, const std::vector<Place>& more)
+{
+    std::set<Place> all(places.begin(), places.end());
+    all.insert(more.begin(), more.end());
+    places.assign(all.begin(), all.end());
+}
+
+void add(Answer& answer, const Answer& more)
+{
+    answer.isFound = answer.isFound || more.isFound;
+    answer.lines.insert(answer.lines.end(), more.lines.begin(), more.lines.end());
+    addPlaces(answer.sensors, more.sensors);
+    addPlaces(answer.devices, more.devices);
+    addPlaces(answer.watch, more.watch);
+}
+
 } // namespace
 
 Answer answerFor(const std::string& what, const Explanation& explanation, const Inspection& inspection)
 {
-    return Search(what, explanation, inspection).run();
+    auto answer = Search(what, explanation, inspection).run();
+    if (answer.isFound)
+        return answer;
+    Answer ofWords{.what = what};
+    for (const auto& word : questionWords(what))
+        add(ofWords, Search(word, explanation, inspection).run());
+    return ofWords.isFound ? ofWords : answer;
 }
 
 } // namespace orv

@@ -20,6 +20,7 @@ struct Answer {
 
 /// Answers for a key, a title or a part of one, a HID code, a Bluetooth address, name or kind, an entry of the watch
 /// file, or one of the words temperature, fan, hid, bluetooth and watch. Capital letters matter in keys alone.
+/// A whole question is answered by its words.
 Answer answerFor(const std::string& what, const Explanation& explanation, const Inspection& inspection);
 
 } // namespace orv

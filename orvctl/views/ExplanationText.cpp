@@ -1,5 +1,7 @@
 #include "orvctl/views/ExplanationText.h"
 
+#include "orvctl/views/ColumnWidth.h"
+#include "orvctl/views/ExplanationGroup.h"
 #include "orvctl/views/Printable.h"
 #include "orvctl/views/Text.h"
 #include "readings/Text.h"
@@ -15,8 +17,6 @@
 namespace orv {
 
 namespace {
-
-constexpr std::size_t changeIndent = 8;
 
 std::string wayText(const MachineFacts& facts)
 {
@@ -137,8 +137,6 @@ std::string titleAndDetail(const SensorRow& row)
 std::string sensorLine(const SensorRow& sensor)
 {
     const auto key = sensor.key.empty() ? std::string("-") : printable(sensor.key);
-    if (sensor.source == SensorSource::catalogue)
-        return row(fmt::format("  {}{}", padded(6, key), sensor.title));
     const auto value = numberText(sensor.value);
     if (sensor.source == SensorSource::hid)
         return row(fmt::format("  {}service {}{:>10}  {}", padded(6, key), padded(6, std::to_string(*sensor.service)),
@@ -160,20 +158,37 @@ std::string levelsText(const Dictionary& levels)
     return text;
 }
 
+// Which list a device is in that is not connected, and the level that it had when it was.
+std::string whereaboutsText(const DeviceRow& device)
+{
+    constexpr std::string_view ordinaryList = "device_not_connected";
+    std::string text;
+    if (device.part > 0)
+        text = fmt::format("in part {} of the report, of which the first alone counts", device.part + 1);
+    else if (device.list != ordinaryList)
+        text = "in " + printable(device.list);
+    const auto levels = levelsText(device.levels);
+    if (levels.empty())
+        return text;
+    return text + (text.empty() ? "was " : "; was ") + levels;
+}
+
+std::string detailText(const DeviceRow& device)
+{
+    if (device.verdict == Verdict::notConnected)
+        return whereaboutsText(device);
+    if (!device.member.empty())
+        return printable(device.member);
+    return device.rival ? fmt::format("element {}", *device.rival) : levelsText(device.levels);
+}
+
 std::string deviceLine(const DeviceRow& device)
 {
     const auto name = device.name.empty() ? fmt::format("element {}", device.element) : printable(device.name);
-    auto text = fmt::format("  {}{}", padded(28, name), padded(19, printable(device.key)));
-    const auto levels = levelsText(device.levels);
-    if (device.verdict == Verdict::notConnected)
-        text += fmt::format("in {}{}", printable(device.list), levels.empty() ? "" : "; " + levels + " is old");
-    else if (!device.member.empty())
-        text += printable(device.member);
-    else if (device.rival)
-        text += fmt::format("element {}", *device.rival);
-    else
-        text += levels;
-    return row(text.substr(0, text.find_last_not_of(' ') + 1));
+    const auto beginning = fmt::format("  {}{}", padded(28, name), padded(19, printable(device.key)));
+    const auto detail = detailText(device);
+    const bool fits = columnCount(beginning) + columnCount(detail) <= pageWidth;
+    return fits ? row(beginning + detail) : row(beginning) + paragraph(changeIndent, detail);
 }
 
 std::string watchLine(const WatchRow& watch)
@@ -187,47 +202,6 @@ std::string watchLine(const WatchRow& watch)
         text += "  " + printable(writeJSON(watch.content, KeyOrder::asListed));
     return row(text);
 }
-
-/// Lines under a heading that says the verdict, and the change that most of them have.
-class Group {
-public:
-    void add(std::string line, const std::optional<Change>& change)
-    {
-        entries.push_back({std::move(line), change ? describe(*change) : ""});
-    }
-
-    std::string text(std::string_view subject, Verdict verdict, Colour colour) const
-    {
-        auto result = '\n' + heading(fmt::format("{}: {} ({})", subject, textOf(verdict), entries.size()), colour);
-        const auto common = commonChange();
-        const bool isShared =
-            std::ranges::all_of(entries, [&common](const Entry& entry) { return entry.change == common; });
-        if (!common.empty())
-            result += paragraph(2, fmt::format("shown {}{}", common, isShared ? "" : "; else as below each"));
-        for (const auto& [line, change] : entries)
-            result += line + (change == common || change.empty() ? "" : paragraph(changeIndent, "shown " + change));
-        return result;
-    }
-
-private:
-    struct Entry {
-        std::string line;
-        std::string change;
-    };
-
-    // Of more than half of several lines, or of the only one.
-    std::string commonChange() const
-    {
-        std::map<std::string_view, std::size_t> counts;
-        for (const auto& entry : entries) {
-            if (++counts[entry.change] * 2 > entries.size())
-                return entry.change;
-        }
-        return {};
-    }
-
-    std::vector<Entry> entries;
-};
 
 enum class Subject { temperatures, fans, services, catalogue, bluetooth, watch };
 
@@ -252,7 +226,11 @@ public:
     {
         for (const auto place : selection.sensors) {
             const auto& sensor = explanation.sensors[place];
-            add(subjectOf(sensor), sensor, isFolded, sensorLine);
+            if (sensor.source == SensorSource::catalogue)
+                groups[{Subject::catalogue, sensor.verdict}].addCell(
+                    padded(6, sensor.key) + sensor.title, sensor.change);
+            else
+                add(subjectOf(sensor), sensor, isFolded, sensorLine);
         }
         for (const auto place : selection.devices)
             add(Subject::bluetooth, explanation.bluetooth[place], isFolded, deviceLine);
@@ -295,7 +273,7 @@ private:
         return noun + (count == 1 ? "" : "s");
     }
 
-    std::map<std::pair<Subject, Verdict>, Group> groups;
+    std::map<std::pair<Subject, Verdict>, ExplanationGroup> groups;
     std::map<Subject, std::size_t> folded;
 };
 
@@ -317,8 +295,8 @@ std::string explanationText(
     const bool isFolded = filter == Filter::all && answers.empty();
     const Page page(explanation, select(explanation, answers, filter), isFolded);
     auto text = obstacleText(explanation.machine, colour) + machineText(explanation.machine, colour);
-    if (!answers.empty())
-        text += '\n' + answersText(answers);
+    if (const auto said = answersText(answers); !said.empty())
+        text += '\n' + said;
     if (isFolded)
         text += '\n' + paragraph(0, fmt::format("Shown: {} (--shown lists them)", page.foldedText()));
     return text + page.text(colour);

@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace orv {
 
@@ -63,6 +64,23 @@ std::string paragraph(std::size_t indent, std::string_view text)
         width += length;
     }
     return result + line + '\n';
+}
+
+std::string columns(std::size_t indent, const std::vector<std::string>& cells)
+{
+    constexpr std::size_t between = 2;
+    std::size_t width = 1;
+    for (const auto& cell : cells)
+        width = std::max(width, columnCount(cell));
+    const auto count = std::max<std::size_t>((pageWidth - indent + between) / (width + between), 1);
+    std::string result;
+    std::string line;
+    for (std::size_t place = 0; place < cells.size(); ++place) {
+        line += std::string(place % count == 0 ? indent : between, ' ') + padded(width, cells[place]);
+        if (place % count == count - 1 || place + 1 == cells.size())
+            result += row(std::exchange(line, {}));
+    }
+    return result;
 }
 
 } // namespace orv

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace orv {
 
@@ -25,5 +26,8 @@ std::string heading(std::string_view text, Colour colour);
 
 /// A text broken at blanks into lines of the page's width, each after `indent` blanks.
 std::string paragraph(std::size_t indent, std::string_view text);
+
+/// Short texts beside each other, row by row, in as many columns of one width as the page has room for.
+std::string columns(std::size_t indent, const std::vector<std::string>& cells);
 
 } // namespace orv
