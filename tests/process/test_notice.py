@@ -252,6 +252,19 @@ class NoticeTest(ProcessTest):
         self.assertEqual(process.wait(PATIENCE), 0)
         self.assertEqual(list(self.temporary.iterdir()), [])
 
+    def test_recording_is_watched_as_it_was(self):
+        steps = [{"at": 3, "smc": {"TC0P": "3200"}}, {"at": 7, "smc": {"TC0P": "3c00"}, "event": "sleep"},
+                 {"at": 3600, "event": "wake"}]
+        path = self.machine_file("\n".join(map(json.dumps, [mac(), *steps])) + '\n{"at": 36')
+        watches = {name: self.watch("--format", name, "--simulate", path) for name in ("jsonl", "waybar")}
+        readings = [json.loads(watches["jsonl"].lines.next())["thermal"]["TC0P"]["value"] for _ in range(2)]
+        self.assertEqual(readings, [40.0, 50.0])
+        line = json.loads(watches["waybar"].lines.until(lambda line: "asleep" in line))
+        self.assertIn("50 °C", line["text"])
+        for process in watches.values():
+            self.assertIn("was cut off", process.said.next())
+        self.assertEqual(watches["jsonl"].lines.all(), [])
+
 
 if __name__ == "__main__":
     unittest.main()
