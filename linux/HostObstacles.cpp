@@ -33,7 +33,8 @@ Membership membership()
     if (!entry)
         return Membership::noGroup;
     std::vector<gid_t> groups(static_cast<std::size_t>(std::max(0, getgroups(0, nullptr))));
-    getgroups(static_cast<int>(groups.size()), groups.data());
+    const int count = getgroups(static_cast<int>(groups.size()), groups.data());
+    groups.resize(static_cast<std::size_t>(std::max(0, count)));
     if (getegid() == entry->gr_gid || std::ranges::find(groups, entry->gr_gid) != groups.end())
         return Membership::member;
     return isListed(*entry) ? Membership::notYet : Membership::none;
