@@ -116,14 +116,16 @@ int serveHost()
 }
 
 constexpr const char* help =
-    R"(Serves this computer's temperatures, fans and Bluetooth battery levels on the session bus.
+    R"(Serves temperatures, fans and Bluetooth battery levels on the session bus.
 Usage: orv-smc-helper [OPTIONS]
 
 Options:
   -h,--help                   Print this help message and exit
   --version                   Display program version information and exit
-  --simulate FILE             Serve the Mac of a machine file instead, or play a recording
-  --from SECONDS              Begin so many seconds after the recording's beginning
+  --simulate FILE             The Mac of a machine file; a recording is played
+  --from SECONDS              With --simulate: so many seconds into a recording
+
+Example: orv-smc-helper --simulate machines/macbookpro-m1.json
 )";
 
 struct CommandLine {
@@ -149,7 +151,7 @@ std::optional<double> secondsFrom(const char* text)
 
 CommandLine refused(const char* why, const char* argument)
 {
-    std::fprintf(stderr, "orv-smc-helper: %s%s\n", why, argument);
+    std::fprintf(stderr, "orv-smc-helper: %s%s; see orv-smc-helper --help\n", why, argument);
     return {.status = 2};
 }
 

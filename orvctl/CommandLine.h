@@ -1,5 +1,6 @@
 #pragma once
 
+#include "orvctl/UsageFault.h"
 #include "orvctl/views/Terminal.h"
 
 #include <CLI/CLI.hpp>
@@ -23,7 +24,7 @@ inline std::optional<int> parseCommandLine(CLI::App& application, int argumentCo
             application.exit(error, text);
             return print(text.str());
         }
-        std::fprintf(stderr, "%s: %s\n", application.get_name().c_str(), error.what());
+        std::fprintf(stderr, "%s: %s\n", application.get_name().c_str(), usageFault(application, error).c_str());
         return 2;
     }
 }

@@ -1,9 +1,11 @@
 #include "orvctl/CommandLine.h"
+#include "orvctl/HelpFormat.h"
 #include "orvctl/commands/Commands.h"
 #include "orvctl/commands/Version.h"
 #include "orvctl/views/Terminal.h"
 
 #include <exception>
+#include <memory>
 
 int main(int argumentCount, char** arguments)
 {
@@ -11,6 +13,8 @@ int main(int argumentCount, char** arguments)
     CLI::App application("Shows what the helper service has measured.", "orvctl");
     addVersion(application);
     application.require_subcommand(1);
+    application.formatter(std::make_shared<HelpFormat>()); // before the commands, which take it over
+    application.footer("Example: orvctl thermal\nWhat a command takes: orvctl COMMAND --help");
     Run run;
     for (const auto addCommand : allCommands)
         addCommand(application, run);

@@ -9,9 +9,10 @@ std::string noSessionBus(int error)
 {
     // What sd-bus answers when nothing says where the bus is.
     if (error == -ENOMEDIUM)
-        return "no session bus: neither DBUS_SESSION_BUS_ADDRESS nor XDG_RUNTIME_DIR is set (su and sudo do not set "
-               "them)";
-    return std::string("no session bus: ") + std::strerror(-error);
+        return "no session bus: neither DBUS_SESSION_BUS_ADDRESS nor XDG_RUNTIME_DIR is set, as after su and sudo; log "
+               "in "
+               "as this user, or put \"dbus-run-session\" in front for a bus of its own";
+    return std::string("no session bus: ") + std::strerror(-error) + "; see DBUS_SESSION_BUS_ADDRESS";
 }
 
 } // namespace orv

@@ -196,7 +196,10 @@ int BusService::nameAnswered(sd_bus_message* reply, void* service, sd_bus_error*
     if (sd_bus_message_is_method_error(reply, nullptr) > 0)
         self.fail("cannot claim the name " + self.bundleIdentifier, -sd_bus_message_get_errno(reply));
     else if (sd_bus_message_read(reply, "u", &outcome) < 0 || outcome != primaryOwner)
-        self.fail("the name " + self.bundleIdentifier + " is already taken on the session bus", 0);
+        self.fail("the name " + self.bundleIdentifier
+                + " is already taken on the session bus; \"systemctl --user stop orv-smc-helper\" ends "
+                  "an installed helper",
+            0);
     return 0;
 }
 

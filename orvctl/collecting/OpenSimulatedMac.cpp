@@ -23,6 +23,8 @@ std::unique_ptr<RecordedMac> openSimulatedMac(const SimulatedMoment& moment, std
 
 std::string beyondTheEnd(const std::string& path, double length)
 {
+    if (length == 0)
+        return path + ": holds one moment; \"orvctl record --for\" makes files of more";
     return fmt::format("{}: ends {} seconds after its beginning", path, length);
 }
 

@@ -8,6 +8,7 @@ namespace orv {
 void addBluetooth(CLI::App& application, Run& run)
 {
     auto* command = application.add_subcommand("bluetooth", "Battery levels of Bluetooth devices and watches");
+    command->footer("Example: orvctl bluetooth --json");
     addReplyOptions(*command, run, Request::bluetooth, {bluetoothTable, bluetoothAge});
 }
 

@@ -25,6 +25,7 @@ void addCompletion(CLI::App& application, Run& run)
         ->required()
         ->check(CLI::IsMember({"bash", "fish", "zsh"}))
         ->option_text(" ");
+    command->footer("Example: orvctl completion fish >~/.config/fish/completions/orvctl.fish");
     command->callback(
         [=, &application, &run] { run = [=, &application] { return print(scripts.at(*shell)(application)); }; });
 }

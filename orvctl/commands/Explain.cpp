@@ -73,6 +73,7 @@ void addExplain(CLI::App& application, Run& run)
     command->add_flag("--shown", options->shown, "Only what is shown")->excludes(missing);
     command->add_flag("--json", options->json, "Print the explanation as JSON (schema orv.explain/1)");
     addSimulationOptions(*command, options->moment);
+    command->footer("Example: orvctl explain gpu mouse");
     command->callback([=, &run] { run = [=] { return explainMac(*options); }; });
 }
 

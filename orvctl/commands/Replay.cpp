@@ -33,8 +33,7 @@ int replayRecording(ReplayPlan plan)
 void addReplay(CLI::App& application, Run& run)
 {
     const auto plan = std::make_shared<ReplayPlan>();
-    auto* command =
-        application.add_subcommand("replay", "Play a recording through the whole service, a line a refresh");
+    auto* command = application.add_subcommand("replay", "Play a recording, one line of JSON for each refresh");
     command->add_option("RECORDING", plan->path, "What to play")->required();
     addMomentOption(*command, "--from", plan->from, "Print from so many seconds on");
     addMomentOption(*command, "--to", plan->to, "Play up to so many seconds");
@@ -42,6 +41,7 @@ void addReplay(CLI::App& application, Run& run)
     const auto bluetooth = std::make_shared<bool>(false);
     auto* onlyThermal = command->add_flag("--thermal", *thermal, "Temperatures and fans alone");
     command->add_flag("--bluetooth", *bluetooth, "Battery levels alone")->excludes(onlyThermal);
+    command->footer("Example: orvctl replay day.json --thermal --to 3600");
     command->callback([=, &run] {
         plan->showsThermal = !*bluetooth;
         plan->showsBluetooth = !*thermal;

@@ -32,10 +32,9 @@ int show(Request request, const ReplyView& view, const Options& options)
 
 void addSimulationOptions(CLI::App& command, SimulatedMoment& moment)
 {
-    auto* simulate =
-        command.add_option("--simulate", moment.path, "Collect from a machine file or recording, without any service")
-            ->type_name("FILE");
-    addMomentOption(command, "--at", moment.at, "At so many seconds of the recording")->needs(simulate);
+    auto* simulate = command.add_option("--simulate", moment.path, "The Mac of a machine file, without any service")
+                         ->type_name("FILE");
+    addMomentOption(command, "--at", moment.at, "With --simulate: so many seconds into a recording")->needs(simulate);
 }
 
 void addReplyOptions(CLI::App& command, Run& run, Request request, const ReplyView& view)

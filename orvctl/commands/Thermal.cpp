@@ -15,6 +15,7 @@ void addThermal(CLI::App& application, Run& run)
     const auto table = [isFlat](const Dictionary& reply, Colour colour) {
         return *isFlat ? flatThermalTable(reply, colour) : thermalTable(reply, colour);
     };
+    command->footer("Example: orvctl thermal --simulate machines/macbookpro-m1.json");
     addReplyOptions(*command, run, Request::thermal, {table, thermalAge});
 }
 

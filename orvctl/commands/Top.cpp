@@ -58,10 +58,11 @@ void addTop(CLI::App& application, Run& run)
     auto* command = application.add_subcommand("top", "A full-screen view of what changes, until it is ended");
     const auto options = std::make_shared<Options>();
     auto* simulate =
-        command->add_option("--simulate", options->moment.path, "Show the Mac of a machine file, or play a recording")
+        command->add_option("--simulate", options->moment.path, "The Mac of a machine file; a recording is played")
             ->type_name("FILE");
-    addMomentOption(*command, "--at", options->moment.at, "From so many seconds of the recording on")->needs(simulate);
+    addMomentOption(*command, "--at", options->moment.at, "With --simulate: from so many seconds on")->needs(simulate);
     command->add_flag("--ascii", options->isASCII, "Draw with ASCII characters alone");
+    command->footer("Example: orvctl top --simulate machines/macbookpro-m1.json");
     command->callback([=, &run] { run = [=] { return showTop(*options); }; });
 }
 

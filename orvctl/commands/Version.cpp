@@ -28,7 +28,7 @@ std::string versionDocument()
 void addVersion(CLI::App& application)
 {
     const auto json = std::make_shared<bool>(false);
-    auto* asJSON = application.add_flag("--json", *json, "With --version: as JSON, with the schemas of all documents");
+    auto* asJSON = application.add_flag("--json", *json, "With --version: as JSON, with all schemas");
     auto* version = application.set_version_flag(
         "--version", [json] { return *json ? versionDocument() : "orvctl " ORV_VERSION; }, "Show the version");
     asJSON->needs(version);

@@ -48,14 +48,15 @@ void addWatch(CLI::App& application, Run& run)
 {
     auto* command = application.add_subcommand("watch", "One output for each refresh, until it is ended");
     const auto options = std::make_shared<Options>();
-    command->add_option("--format", options->format, "table, jsonl, csv, waybar or i3bar")
+    command->add_option("--format", options->format, "table (unless given), jsonl, csv, waybar or i3bar")
         ->type_name("FORMAT")
         ->check(CLI::IsMember({"table", "jsonl", "csv", "waybar", "i3bar"}));
-    command->add_option("--only", options->chosen, "Show what has this key or title; may be repeated")
+    command->add_option("--only", options->chosen, "What has this key or title; may be repeated")
         ->type_name("KEY|TITLE")
         ->allow_extra_args(false);
-    command->add_option("--simulate", options->machinePath, "Watch the Mac of a machine file, without any service")
+    command->add_option("--simulate", options->machinePath, "The Mac of a machine file, without any service")
         ->type_name("FILE");
+    command->footer("Example: orvctl watch --only \"CPU Proximity\" --format csv");
     command->callback([=, &run] { run = [=] { return watch(*options); }; });
 }
 

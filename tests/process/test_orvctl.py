@@ -3,6 +3,7 @@
 import json
 import os
 import pty
+import re
 import subprocess
 import time
 import unittest
@@ -65,12 +66,28 @@ class OrvctlTest(ProcessTest):
         self.assertRegex(self.orvctl("--version"), r"\Aorvctl \d+\.\d+\.\d+\n\Z")
         self.assertIn("thermal", self.orvctl("--help"))
         self.assertIn("--simulate", self.orvctl("thermal", "--help"))
-        for arguments in ((), ("fans",), ("thermal", "--xml"), ("thermal", "bluetooth"), ("thermal", "--simulate")):
+        for arguments, further in (((), "no command; orvctl --help"), (("fans",), '"fans" is no command; orvctl --help'),
+                                   (("thermal", "--xml"), "--xml; see orvctl thermal --help"),
+                                   (("thermal", "bluetooth"), "bluetooth; see orvctl thermal --help"),
+                                   (("thermal", "--simulate"), "FILE missing; see orvctl thermal --help")):
             with self.subTest(arguments=arguments):
-                self.refusal(2, BIN / "orvctl", *arguments)
+                self.assertIn(further, self.refusal(2, BIN / "orvctl", *arguments))
         self.refusal(1, BIN / "orvctl", "thermal")
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent"
         self.refusal(1, BIN / "orvctl", "bluetooth")
+
+    def test_help_fits_a_terminal_and_shows_an_example(self):
+        commands = re.findall(r"^  ([a-z]+) ", self.orvctl("--help").partition("Subcommands:")[2], re.MULTILINE)
+        self.assertGreater(len(commands), 5)
+        for command in (BIN / "orvctl",), (HELPER,), *((BIN / "orvctl", name) for name in commands):
+            with self.subTest(command=command):
+                text = self.run_program(*command, "--help").stdout
+                self.assertLessEqual(len(text.splitlines()), 24)
+                self.assertLessEqual(max(map(len, text.splitlines())), 80)
+                self.assertRegex(text, f"(?m)^Example: {' '.join((command[0].name, *command[1:]))}")
+                example, = re.findall("^Example: (.*)", text, re.MULTILINE)
+                options, known = (set(re.findall(r"--[a-z]+", part)) for part in (example, text.replace(example, "")))
+                self.assertEqual(options - known, set())
 
     def test_what_cannot_be_written_is_said(self):
         for arguments in ("thermal", "--simulate", self.machine_file(mac())), ("--help",), ("--version",):

@@ -1,0 +1,82 @@
+"""The documents: what their shell blocks do and print, and where their links lead.
+
+A block marked "sh" runs as it stands, all of a page's in order in one shell, where build/release/bin holds the programs. A
+block marked "console" cannot run here. A block marked "text" right after one that runs is what that prints; "…" stands for
+any text, on a line of its own for any lines.
+"""
+
+import re
+import subprocess
+import unittest
+
+from support import BIN, MACHINES, PATIENCE, ProcessTest
+
+ROOT = MACHINES.parent
+GUIDES = sorted((ROOT / "docs").glob("*.md"))
+PAGES = sorted([*GUIDES, *ROOT.glob("*.md")])
+LANGUAGES = {"sh", "console", "text", "json", "ini", "c", "cpp", "objc", "swift", "python"}
+BLOCK = re.compile(r"^```(.*)\n((?:.*\n)*?)```$(?:\s*^```text\n((?:.*\n)*?)```$)?", re.MULTILINE)
+PROSE = re.compile(r"^```.*\n(?:.*\n)*?```$", re.MULTILINE)
+
+
+def anchor(heading):
+    """Of a heading, as the sites make it that show Markdown."""
+    return re.sub(r"[^\w\- ]", "", heading.strip().lower()).replace(" ", "-")
+
+
+def pattern(expected):
+    lines = expected.splitlines(keepends=True)
+    return "".join("(?:.*\n)*" if line.strip() == "…" else re.escape(line).replace("…", ".*") for line in lines)
+
+
+class DocumentsTest(ProcessTest):
+    def setUp(self):
+        super().setUp()
+        self.checkout = self.folder / "checkout"
+        self.checkout.mkdir()
+        for name in "machines", "recordings", "examples", "packaging":
+            (self.checkout / name).symlink_to(ROOT / name)
+        (self.checkout / "build/release").mkdir(parents=True)
+        (self.checkout / "build/release/bin").symlink_to(BIN)
+        self.environment["HOME"] = str(self.folder)
+
+    def run_blocks(self, page):
+        """What each block of a page prints, beside what it says that it prints."""
+        blocks = [(block[2], block[3]) for block in BLOCK.finditer(page.read_text()) if block[1] == "sh"]
+        mark = "-- end of a block --"
+        script = "".join(f"{block}echo {mark!r}\n" for block, _ in blocks)
+        shell = self.start("bash", "-e", cwd=self.checkout, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                           stderr=subprocess.STDOUT)
+        printed = shell.communicate("trap 'kill $(jobs -p) 2>/dev/null || :' EXIT\n" + script, timeout=PATIENCE)[0]
+        self.assertEqual(shell.returncode, 0, printed)
+        return [(block, expected, each) for (block, expected), each in zip(blocks, printed.split(mark + "\n"))]
+
+    def test_shell_blocks_do_what_the_page_says(self):
+        for page in GUIDES:
+            with self.subTest(page=page.name):
+                for block, expected, printed in self.run_blocks(page):
+                    if expected is not None:
+                        self.assertRegex(printed, rf"\A{pattern(expected)}\Z", block)
+
+    def test_every_block_says_what_it_is(self):
+        for page in GUIDES:
+            text = page.read_text()
+            self.assertEqual({block[1] for block in BLOCK.finditer(text)} - LANGUAGES, set(), page.name)
+            self.assertNotRegex(PROSE.sub("", text), r"(?m)^\n {4}\S", page.name)  # a block without a mark
+
+    def test_links_lead_somewhere(self):
+        headings = {page: {anchor(heading) for heading in re.findall(r"^#+ (.*)", PROSE.sub("", page.read_text()), re.MULTILINE)}
+                    for page in PAGES}
+        for page in PAGES:
+            for target in re.findall(r"\]\(([^)\s]+)\)", PROSE.sub("", page.read_text())):
+                if "://" in target:
+                    continue
+                path, _, fragment = target.partition("#")
+                file = (page.parent / path).resolve() if path else page
+                self.assertTrue(file.exists(), f"{page.name}: {target}")
+                if fragment:
+                    self.assertIn(fragment, headings[file], f"{page.name}: {target}")
+
+
+if __name__ == "__main__":
+    unittest.main()
