@@ -2,7 +2,7 @@
 
 A block marked "sh" runs as it stands, all of a page's in order in one shell, where build/release/bin holds the programs. A
 block marked "console" cannot run here. A block marked "text" right after one that runs is what that prints; "…" stands for
-any text, on a line of its own for any lines.
+any text, on a line of its own for any lines. A block marked "cpp" stands so in the file that is named last before it.
 """
 
 import re
@@ -12,8 +12,8 @@ import unittest
 from support import BIN, MACHINES, PATIENCE, ProcessTest
 
 ROOT = MACHINES.parent
-GUIDES = sorted((ROOT / "docs").glob("*.md"))
-PAGES = sorted([*GUIDES, *ROOT.glob("*.md")])
+PAGES = sorted([*(ROOT / "docs").glob("*.md"), *ROOT.glob("*.md")])
+GUIDES = [page for page in PAGES if page.name != "README.md"]
 LANGUAGES = {"sh", "console", "text", "json", "ini", "c", "cpp", "objc", "swift", "python"}
 BLOCK = re.compile(r"^```(.*)\n((?:.*\n)*?)```$(?:\s*^```text\n((?:.*\n)*?)```$)?", re.MULTILINE)
 PROSE = re.compile(r"^```.*\n(?:.*\n)*?```$", re.MULTILINE)
@@ -63,6 +63,14 @@ class DocumentsTest(ProcessTest):
             text = page.read_text()
             self.assertEqual({block[1] for block in BLOCK.finditer(text)} - LANGUAGES, set(), page.name)
             self.assertNotRegex(PROSE.sub("", text), r"(?m)^\n {4}\S", page.name)  # a block without a mark
+
+    def test_quoted_code_stands_where_it_is_said_to(self):
+        for page in PAGES:
+            file = None
+            for quoted in re.finditer(r"\[[^\]]+\]\(([^)\s]+\.(?:cpp|h))\)|^```cpp\n((?:.*\n)*?)```$", page.read_text(), re.MULTILINE):
+                file = quoted[1] or file
+                if quoted[2]:
+                    self.assertIn(quoted[2], (page.parent / file).read_text(), file)
 
     def test_links_lead_somewhere(self):
         headings = {page: {anchor(heading) for heading in re.findall(r"^#+ (.*)", PROSE.sub("", page.read_text()), re.MULTILINE)}
