@@ -11,6 +11,7 @@ import tempfile
 
 import asking
 import living
+import looking
 import refreshing
 import replaying
 import tables
@@ -19,7 +20,7 @@ from bench import Bench
 
 MEASURES = {measure.__name__: measure for measure in (
     asking.request, asking.slow_refresh, asking.mixed_replies, refreshing.code, refreshing.instructions,
-    refreshing.host, living.wake_ups, watching.watch, living.memory, asking.activation, replaying.replay,
+    refreshing.host, living.wake_ups, watching.watch, looking.top, living.memory, asking.activation, replaying.replay,
     living.endurance)}
 
 

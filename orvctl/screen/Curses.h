@@ -11,3 +11,14 @@
 // Macros of the terminal library that ours need the names of.
 #undef columns
 #undef lines
+
+namespace orv {
+
+/// What a terminal is to be sent for something; nothing when it cannot do it. After setupterm or newterm.
+inline const char* capability(const char* name)
+{
+    const char* const text = tigetstr(const_cast<char*>(name)); // which some releases of the library declare so
+    return text == reinterpret_cast<const char*>(-1) ? nullptr : text;
+}
+
+} // namespace orv

@@ -3,6 +3,7 @@
 #include "orvctl/screen/Curses.h"
 #include "orvctl/screen/HeldComplaints.h"
 
+#include <fcntl.h>
 #include <signal.h>
 #include <termios.h>
 #include <unistd.h>
@@ -23,8 +24,8 @@ std::size_t endingLength = 0;
 
 void addCapability(const char* name)
 {
-    const char* const text = tigetstr(name);
-    if (!text || text == reinterpret_cast<const char*>(-1))
+    const char* const text = capability(name);
+    if (!text)
         return;
     const auto length = std::strlen(text);
     if (endingLength + length > ending.size())
@@ -33,13 +34,36 @@ void addCapability(const char* name)
     endingLength += length;
 }
 
-// The screen's library may be in the middle of anything.
-void giveBack(int signal)
+// The screen's library may be in the middle of anything, and the terminal may take nothing.
+void giveBack()
 {
+    const int flags = fcntl(STDOUT_FILENO, F_GETFL);
+    tcflush(STDOUT_FILENO, TCOFLUSH);
+    fcntl(STDOUT_FILENO, F_SETFL, flags | O_NONBLOCK);
     [[maybe_unused]] const auto written = write(STDOUT_FILENO, ending.data(), endingLength);
+    fcntl(STDOUT_FILENO, F_SETFL, flags);
     tcsetattr(STDIN_FILENO, TCSANOW, &modesBefore);
     heldComplaints->release();
+}
+
+void endByFault(int signal)
+{
+    giveBack();
     raise(signal); // which by now does what it does by itself
+}
+
+void endLate(int)
+{
+    giveBack();
+    _exit(0);
+}
+
+void handle(int signal, void (*handler)(int))
+{
+    struct sigaction action{};
+    action.sa_handler = handler;
+    action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER);
+    sigaction(signal, &action, nullptr);
 }
 
 } // namespace
@@ -55,15 +79,14 @@ void restoreTerminalAtFaults(HeldComplaints& complaints)
     endingLength = 0;
     for (const auto* capability : {"sgr0", "op", "cnorm", "rmkx", "rmcup"})
         addCapability(capability);
-    struct sigaction action{};
-    action.sa_handler = giveBack;
-    action.sa_flags = SA_RESETHAND | SA_NODEFER;
     for (const int fault : faults)
-        sigaction(fault, &action, nullptr);
+        handle(fault, endByFault);
+    handle(SIGALRM, endLate);
 }
 
 void forgetTerminal()
 {
+    alarm(0);
     for (const int fault : faults)
         signal(fault, SIG_DFL);
 }

@@ -66,7 +66,7 @@ void RecordingFeed::take(Top& top)
     if (std::exchange(isBegunAnew, false))
         top.beginAnew();
     for (const auto& [replies, at] : std::exchange(heard, {}))
-        top.arrived(replies, Seconds(at));
+        top.arrived(topReadings(replies), replies.timing, Seconds(at));
     top.played({playback->position(), playback->length(), speed(), isPaused});
 }
 

@@ -29,7 +29,7 @@ constexpr std::array<Look, 7> looks{{
     {A_NORMAL, A_NORMAL, -1, -1}, // plain
     {A_DIM, A_NORMAL, -2, 244}, // faint
     {A_BOLD, A_BOLD, -1, -1}, // strong
-    {A_NORMAL, A_NORMAL, COLOR_GREEN, 71}, // cool
+    {A_NORMAL, A_NORMAL, COLOR_GREEN, COLOR_GREEN}, // cool
     {A_BOLD, A_NORMAL, COLOR_YELLOW, 172}, // warm
     {A_BOLD, A_BOLD, COLOR_RED, 160}, // hot
     {A_REVERSE, A_BOLD, COLOR_RED, 160}, // alarm

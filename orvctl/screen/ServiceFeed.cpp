@@ -74,13 +74,14 @@ void ServiceFeed::take(Top& top)
         const std::lock_guard lock(mutex);
         news.swap(waiting);
     }
-    for (const auto& each : news)
+    for (auto& each : news)
         each(top);
 }
 
 bool ServiceFeed::repliesArrived(const WatchedReplies& replies)
 {
-    return post([replies, at = now()](Top& top) { top.arrived(replies, at); });
+    return post([readings = topReadings(replies), timing = replies.timing, at = now()](
+                    Top& top) mutable { top.arrived(std::move(readings), timing, at); });
 }
 
 bool ServiceFeed::nothingArrived(const Timing& timing)

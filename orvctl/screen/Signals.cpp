@@ -13,11 +13,16 @@ namespace {
 
 constexpr std::array noted{SIGINT, SIGTERM, SIGHUP, SIGTSTP, SIGCONT, SIGWINCH};
 
+constexpr unsigned patience = 3; // seconds
+
 volatile sig_atomic_t pipeEnd = -1;
 
+// A program that waits for a terminal which takes nothing hears of no signal: then the alarm ends it.
 void note(int signal)
 {
     const int before = errno;
+    if (signal == SIGINT || signal == SIGTERM || signal == SIGHUP)
+        alarm(patience);
     const auto which = static_cast<unsigned char>(signal);
     // A pipe that is full holds enough of them already.
     [[maybe_unused]] const auto written = write(static_cast<int>(pipeEnd), &which, 1);

@@ -6,7 +6,8 @@
 
 namespace orv {
 
-/// While it lives, the signals that end, stop, continue and resize are only noted. One at a time.
+/// While it lives, the signals that end, stop, continue and resize are only noted; one that ends is followed by an
+/// alarm if the program has not ended by then. One at a time.
 class Signals {
 public:
     Signals();

@@ -19,15 +19,12 @@ constexpr const char* instead = "; use orvctl watch";
 bool isKnownTerminal()
 {
     int outcome = 0;
-    if (setupterm(nullptr, STDOUT_FILENO, &outcome) != OK)
-        return false;
-    const char* const moves = tigetstr("cup");
-    return moves && moves != reinterpret_cast<const char*>(-1);
+    return setupterm(nullptr, STDOUT_FILENO, &outcome) == OK && capability("cup");
 }
 
-std::size_t sizeOf(unsigned short told, const char* capability)
+std::size_t sizeOf(unsigned short told, const char* usual)
 {
-    return static_cast<std::size_t>(std::max(told > 0 ? int(told) : tigetnum(capability), 0));
+    return static_cast<std::size_t>(std::max(told > 0 ? int(told) : tigetnum(const_cast<char*>(usual)), 1));
 }
 
 } // namespace

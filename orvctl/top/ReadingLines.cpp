@@ -86,6 +86,13 @@ Range seenRange(const Series& seen, const KindRow& row)
     return {seen.lowest - missing / 2, seen.highest + missing / 2};
 }
 
+// In whole steps, since a line whose scale changes is sent anew.
+Range steadyRange(const Series& seen, const KindRow& row)
+{
+    const auto step = row.smallestRange;
+    return {std::floor(seen.lowest / step) * step, (std::floor(seen.highest / step) + 1) * step};
+}
+
 double partOf(double value, const Range& range)
 {
     return (value - range.least) / (range.most - range.least);
@@ -97,18 +104,19 @@ void putHistory(
     const auto& columns = drawing.columns;
     const auto& row = rowOf(kindOf(reading));
     const auto range = seenRange(seen, row);
+    const auto steady = steadyRange(seen, row);
     const auto scale = reading.most > reading.least ? Range{reading.least, reading.most} : range;
     if (columns.bar > 0)
         line.skip(1).putSigns(
             styleOf(reading), bar(columns.bar, partOf(reading.value, scale), drawing.signs), columns.bar);
     if (columns.sparkline > 0)
         line.skip(1).putSigns(Style::plain,
-            sparkline(history.columns(reading.identity, columns.sparkline), range.least, range.most, drawing.signs),
+            sparkline(history.columns(reading.identity, columns.sparkline), steady.least, steady.most, drawing.signs),
             columns.sparkline);
     if (columns.extreme == 0 || !seen.hasFinite)
         return;
     for (const auto extreme : {seen.lowest, seen.highest})
-        line.skip(1).putRight(Style::faint, number(extreme, row.decimals), columns.extreme);
+        line.skip(1).putRight(Style::plain, number(extreme, row.decimals), columns.extreme);
 }
 
 /// Of the readings of a group that are finite.
@@ -209,7 +217,7 @@ StyledLine readingLine(const TopReading& reading, const History& history, const 
     if (columns.key > 0)
         line.skip(1).put(Style::faint, reading.key, columns.key);
     line.skip(1).putRight(
-        style == Style::cool ? Style::strong : style, valueText(reading, drawing.signs), columns.value);
+        style == Style::cool ? Style::plain : style, valueText(reading, drawing.signs), columns.value);
     if (const auto* seen = history.find(reading.identity))
         putHistory(line, reading, *seen, history, drawing);
     return line.take();

@@ -64,14 +64,14 @@ std::string Top::Place::identity() const
     return reading ? reading->identity : '\n' + std::to_string(group);
 }
 
-void Top::arrived(const WatchedReplies& replies, Seconds now)
+void Top::arrived(std::vector<TopReading> readings, const std::optional<Timing>& timing, Seconds now)
 {
-    live.readings = topReadings(replies);
+    live.readings = std::move(readings);
     isOutlined = false;
-    live.timing = replies.timing;
+    live.timing = timing;
     live.heardAt = now;
     live.missing.clear();
-    live.history.take(live.readings, replies.timing ? now - Seconds(replies.timing->age) : now);
+    live.history.take(live.readings, timing ? now - Seconds(timing->age) : now);
 }
 
 void Top::aged(const Timing& timing, Seconds now)
@@ -338,26 +338,40 @@ StyledLine Top::bodyLine(const Place& place, const Drawing& drawing) const
     return groupLine(*std::ranges::find(groups, place.group, &OutlinedGroup::group), drawing);
 }
 
-std::vector<StyledLine> Top::bodyLines(std::size_t width, Seconds now)
+// Most frames are told of nothing but the time.
+const std::vector<StyledLine>& Top::bodyLines(std::size_t width, Seconds now)
 {
-    const auto& board = shown();
+    const Drawn wanted{width, shown().isFresh(now)};
+    if (!isOutlined || wanted != drawn) {
+        body = drawBody(width, wanted.isFresh);
+        drawn = wanted;
+    }
+    return body;
+}
+
+std::vector<StyledLine> Top::drawBody(std::size_t width, bool isFresh)
+{
     outlineReadings();
     scrollToSelection();
     const auto drawing = drawingFor(width, longest, signs);
     std::vector<StyledLine> lines{headingLine(drawing)};
     for (auto place = firstPlace; place < places.size() && lines.size() <= bodyHeight; ++place) {
         auto line = bodyLine(places[place], drawing);
-        if (!board.isFresh(now))
+        if (!isFresh)
             fade(line);
         line.isSelected = places[place].identity() == selected;
         lines.push_back(std::move(line));
     }
     if (places.empty())
-        lines.push_back(LineWriter(width, signs)
-                .put(Style::plain,
-                    choice.filter.empty() ? "No readings." : "Nothing is called \"" + choice.filter + "\".")
-                .take());
+        lines.push_back(LineWriter(width, signs).put(Style::plain, nothingText()).take());
     return lines;
+}
+
+std::string Top::nothingText() const
+{
+    if (!choice.filter.empty())
+        return "Nothing is called \"" + choice.filter + "\".";
+    return shown().heardAt == Seconds::zero() ? "Waiting for the first readings." : "No readings.";
 }
 
 StyledLine Top::topLine(std::size_t width, Seconds now) const
@@ -414,8 +428,8 @@ Frame Top::frame(ScreenSize size, Seconds now)
     isOutlined = isOutlined && former == bodyHeight;
     if (page)
         frame.lines.push_back(LineWriter(width, signs).put(Style::strong, page->title, width).take());
-    const auto body = page ? pageLines(*page, width, bodyHeight, signs) : bodyLines(width, now);
-    frame.lines.insert(frame.lines.end(), body.begin(), body.end());
+    const auto inside = page ? pageLines(*page, width, bodyHeight, signs) : bodyLines(width, now);
+    frame.lines.insert(frame.lines.end(), inside.begin(), inside.end());
     frame.lines.resize(std::max<std::size_t>(height, 1) - 1);
     frame.lines.push_back(bottomLine(width));
     if (isTyping)

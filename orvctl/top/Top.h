@@ -48,7 +48,7 @@ class Top {
 public:
     explicit Top(TopOptions options);
 
-    void arrived(const WatchedReplies& replies, Seconds now);
+    void arrived(std::vector<TopReading> readings, const std::optional<Timing>& timing, Seconds now);
     void aged(const Timing& timing, Seconds now);
     void missing(const std::string& why);
     void played(const PlaybackState& state) { playback = state; }
@@ -69,6 +69,14 @@ private:
         std::string identity() const;
     };
 
+    /// What the body was drawn for.
+    struct Drawn {
+        std::size_t width = 0;
+        bool isFresh = false;
+
+        bool operator==(const Drawn&) const = default;
+    };
+
     const Board& shown() const { return frozen ? *frozen : live; }
     Command act(Action action, const KeyPress& press);
     Command actOnPage(Action action);
@@ -84,7 +92,9 @@ private:
     std::size_t selectedPlace() const;
     void scrollToSelection();
     StyledLine bodyLine(const Place& place, const Drawing& drawing) const;
-    std::vector<StyledLine> bodyLines(std::size_t width, Seconds now);
+    const std::vector<StyledLine>& bodyLines(std::size_t width, Seconds now);
+    std::vector<StyledLine> drawBody(std::size_t width, bool isFresh);
+    std::string nothingText() const;
     StyledLine topLine(std::size_t width, Seconds now) const;
     StyledLine playbackLine(std::size_t width) const;
     StyledLine bottomLine(std::size_t width) const;
@@ -104,6 +114,8 @@ private:
     std::vector<OutlinedGroup> groups;
     LongestTexts longest;
     std::vector<Place> places; // all lines of the body
+    Drawn drawn;
+    std::vector<StyledLine> body; // as it was drawn last
     std::string selected; // the identity of a place
     std::size_t lastPlace = 0; // of the selection, for when it is gone
     std::size_t firstPlace = 0; // that is on the screen

@@ -56,7 +56,7 @@ std::vector<TopReading> topReadings(const WatchedReplies& replies)
 {
     const auto devices = devicesOf(replies.bluetooth);
     std::vector<TopReading> readings;
-    for (const auto& figure : figuresOf({{}, {}, replies.thermal, replies.bluetooth, {}, true}))
+    for (const auto& figure : allFigures(replies.thermal, replies.bluetooth))
         readings.push_back(
             figure.unit == "percent" ? levelReading(figure, devices.at(figure.key)) : thermalReading(figure));
     return readings;

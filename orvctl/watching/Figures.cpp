@@ -61,23 +61,25 @@ void addLevels(std::vector<Figure>& figures, const Member& device)
     }
 }
 
-std::vector<Figure> allFigures(const Moment& moment)
+} // namespace
+
+std::vector<Figure> allFigures(const Dictionary& thermal, const Dictionary& bluetooth)
 {
     std::vector<Figure> figures;
-    for (const auto& sensor : moment.thermal)
+    for (const auto& sensor : thermal)
         addThermal(figures, sensor, "temperature", "celsius");
-    for (const auto& fan : moment.thermal)
+    for (const auto& fan : thermal)
         addThermal(figures, fan, "fans", "rpm");
-    for (const auto& device : moment.bluetooth)
+    for (const auto& device : bluetooth)
         addLevels(figures, device);
     return figures;
 }
 
-} // namespace
-
 std::vector<Figure> figuresOf(const Moment& moment)
 {
-    const auto figures = allFigures(moment);
+    auto figures = allFigures(moment.thermal, moment.bluetooth);
+    if (moment.chosen.empty())
+        return figures;
     const auto rankOf = [&](const Figure& figure) {
         return std::ranges::find_if(moment.chosen, [&](const auto& name) { return isNamed(figure, name); });
     };

@@ -19,6 +19,9 @@ struct Figure {
     double most = 0;
 };
 
+/// All figures of both replies, by kind and key.
+std::vector<Figure> allFigures(const Dictionary& thermal, const Dictionary& bluetooth);
+
 /// The chosen figures in the order in which they were chosen; without a choice by kind and key.
 std::vector<Figure> figuresOf(const Moment& moment);
 

@@ -14,13 +14,47 @@ import pyte
 from support import PATIENCE
 
 
+class Screen(pyte.Screen):
+    """With what the library lacks of today's terminals: repeated characters, tabulators to the left, scrolling."""
+
+    last = " "
+
+    def draw(self, data):
+        super().draw(data)
+        self.last = data[-1]
+
+    def repeat(self, count=1):
+        super().draw(self.last * (count or 1))
+
+    def back_tab(self, count=1):
+        for _ in range(count or 1):
+            self.cursor.x = max((stop for stop in self.tabstops if stop < self.cursor.x), default=0)
+
+    def scroll_up(self, count=1):
+        self.scroll(count, self.index, (self.margins or pyte.screens.Margins(0, self.lines - 1)).bottom)
+
+    def scroll_down(self, count=1):
+        self.scroll(count, self.reverse_index, (self.margins or pyte.screens.Margins(0, self.lines - 1)).top)
+
+    def scroll(self, count, step, edge):
+        before, self.cursor.y = self.cursor.y, edge
+        for _ in range(count or 1):
+            step()
+        self.cursor.y = before
+
+
+class Stream(pyte.ByteStream):
+    csi = pyte.ByteStream.csi | {"b": "repeat", "Z": "back_tab", "S": "scroll_up", "T": "scroll_down"}
+    events = pyte.ByteStream.events | set(csi.values())
+
+
 class Terminal:
     """What is written to it is shown at once, whoever waits."""
 
     def __init__(self, width=80, height=24):
         self.controller, self.device = pty.openpty()
-        self.screen = pyte.Screen(width, height)
-        self.stream = pyte.ByteStream(self.screen)
+        self.screen = Screen(width, height)
+        self.stream = Stream(self.screen)
         self.written = b""
         self.process = None
         self.resize(width, height)

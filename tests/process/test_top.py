@@ -1,6 +1,7 @@
 """The full-screen view, on a pseudo-terminal."""
 
 import json
+import os
 import re
 import signal
 import unittest
@@ -30,6 +31,16 @@ class TopTest(ProcessTest):
         path.write_text("\n".join([json.dumps(mac()), *steps]) + "\n")
         return path
 
+    def assert_shown_as_drawn_anew(self, terminal, text):
+        """What became of many small changes is what one whole drawing shows; the view must be at rest."""
+        terminal.until_shown(text)
+        while terminal.read(1):
+            pass
+        before = terminal.lines()
+        terminal.screen.erase_in_display(2)
+        terminal.type("\x0c")
+        terminal.until(lambda lines: lines == before)
+
     def assert_given_back(self, terminal, status):
         self.assertEqual(terminal.wait(), status)
         self.assertEqual(terminal.settings(), terminal.modes)
@@ -45,8 +56,8 @@ class TopTest(ProcessTest):
                 terminal.resize(width + step % 3, height + step % 2)
             terminal.resize(width, height)
             terminal.type("\x0c")
-            lines = terminal.until(lambda lines, most=height: len(lines) == most and "q end" in lines[-1])
-            self.assertEqual(lines[0].startswith("MacBook"), width >= 40, lines)
+            lines = terminal.until(lambda lines, wide=width >= 40: lines[0].startswith("MacBook") == wide
+                                   and "playing" in lines[1] and "q end" in lines[-1])
         self.assertTrue(any("▸ CPU 17: " in line for line in lines), lines)
         terminal.type("q")
         self.assert_given_back(terminal, 0)
@@ -63,6 +74,18 @@ class TopTest(ProcessTest):
                 self.assertNotEqual(terminal.settings(), terminal.modes)
                 terminal.type(end) if isinstance(end, str) else terminal.process.send_signal(end)
                 self.assert_given_back(terminal, status)
+
+    @needs_a_terminal
+    def test_ends_though_the_terminal_takes_nothing(self):
+        terminal = self.top("--simulate", MACHINES / "macbookair-m2.json", width=300, height=100)
+        terminal.until_shown("q end")
+        os.set_blocking(terminal.controller, False)
+        with self.assertRaises(BlockingIOError):
+            for _ in range(10**6):  # until it waits to be read from, and reads no more of them
+                terminal.type("\x0c" * 64)
+        terminal.process.send_signal(signal.SIGTERM)
+        self.assertEqual(terminal.process.wait(PATIENCE), 0)
+        self.assertEqual(terminal.settings(), terminal.modes)
 
     @needs_a_terminal
     def test_shell_stops_and_continues_it(self):
@@ -111,14 +134,15 @@ class TopTest(ProcessTest):
         terminal.until_shown("51.0 °C")
         terminal.type(">")
         terminal.until_shown("paused at 0:02:50")
-        terminal.until_shown("57.0 °C")
+        self.assert_shown_as_drawn_anew(terminal, "57.0 °C")
         terminal.type("[")
         terminal.until_shown("paused at 0:00:00")
         terminal.type("5+++++++")
         terminal.until_shown("paused at 0:33:15 of 1:06:30, 200 times as fast")
         terminal.type(" ")
         terminal.until_shown("at the end, 1:06:30")
-        terminal.until_shown("79.0")
+        terminal.until_shown("at the end, 1:06:30")
+        self.assert_shown_as_drawn_anew(terminal, "79.0 °C")
         terminal.type("j/prox\r")
         terminal.until_shown("/prox")
         terminal.type("jje")
