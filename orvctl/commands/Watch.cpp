@@ -54,7 +54,7 @@ void addWatch(CLI::App& application, Run& run)
     command->add_option("--only", options->chosen, "What has this key or title; may be repeated")
         ->type_name("KEY|TITLE")
         ->allow_extra_args(false);
-    command->add_option("--simulate", options->machinePath, "The Mac of a machine file, without any service")
+    command->add_option("--simulate", options->machinePath, "A machine file or recording, without any service")
         ->type_name("FILE");
     command->footer("Example: orvctl watch --only \"CPU Proximity\" --format csv");
     command->callback([=, &run] { run = [=] { return watch(*options); }; });
