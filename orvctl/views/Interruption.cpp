@@ -17,6 +17,8 @@ void handle(void (*handler)(int))
 {
     std::signal(SIGINT, handler);
     std::signal(SIGTERM, handler);
+    if (std::signal(SIGHUP, handler) == SIG_IGN)
+        std::signal(SIGHUP, SIG_IGN); // as under nohup
 }
 
 } // namespace

@@ -230,10 +230,10 @@ class RecordTest(ProcessTest):
 
     def test_interrupted_recording_is_whole(self):
         given = self.file(stepping())
-        for sent in signal.SIGINT, signal.SIGTERM:
+        for sent in signal.SIGINT, signal.SIGTERM, signal.SIGHUP:
             target = self.temporary / sent.name
             process = self.start(ORVCTL, "record", "--simulate", given, "--for", "30000h", "-o", target,
-                                 stderr=subprocess.PIPE)
+                                 stderr=subprocess.PIPE, preexec_fn=lambda: signal.signal(signal.SIGHUP, signal.SIG_DFL))
             self.until(lambda: target.exists() and target.stat().st_size > 5000)
             process.send_signal(sent)
             self.assertEqual(process.wait(PATIENCE), 0)
