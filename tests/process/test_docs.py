@@ -14,7 +14,7 @@ from support import BIN, MACHINES, PATIENCE, ProcessTest
 ROOT = MACHINES.parent
 PAGES = sorted([*(ROOT / "docs").glob("*.md"), *ROOT.glob("*.md")])
 GUIDES = [page for page in PAGES if page.name != "README.md"]
-LANGUAGES = {"sh", "console", "text", "json", "ini", "c", "cpp", "objc", "swift", "python"}
+LANGUAGES = {"sh", "yaml", "console", "text", "json", "ini", "c", "cpp", "objc", "swift", "python"}
 BLOCK = re.compile(r"^```(.*)\n((?:.*\n)*?)```$(?:\s*^```text\n((?:.*\n)*?)```$)?", re.MULTILINE)
 PROSE = re.compile(r"^```.*\n(?:.*\n)*?```$", re.MULTILINE)
 
