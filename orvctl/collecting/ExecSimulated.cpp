@@ -1,5 +1,6 @@
 #include "orvctl/collecting/EnterSimulation.h"
 #include "orvctl/collecting/RecordSimulatedMac.h"
+#include "orvctl/collecting/RecordedReadings.h"
 #include "orvctl/collecting/Replay.h"
 #include "orvctl/collecting/SimulatedClient.h"
 #include "orvctl/collecting/SimulatedInspection.h"
@@ -48,6 +49,12 @@ std::optional<std::string> recordSimulatedMac(
 }
 
 bool replay(const ReplayPlan&, const std::function<bool(const std::string& line)>&, std::string& fault)
+{
+    fault = *enterSimulation();
+    return false;
+}
+
+bool readRecording(const std::string&, RecordedReadingsReader&, std::string& fault)
 {
     fault = *enterSimulation();
     return false;

@@ -20,10 +20,11 @@ void addTop(CLI::App& application, Run& run);
 void addExplain(CLI::App& application, Run& run);
 void addRecord(CLI::App& application, Run& run);
 void addReplay(CLI::App& application, Run& run);
+void addPlot(CLI::App& application, Run& run);
 void addCompletion(CLI::App& application, Run& run);
 
 /// In the order in which --help lists them.
 inline constexpr std::array allCommands{
-    addThermal, addBluetooth, addWatch, addTop, addExplain, addRecord, addReplay, addCompletion};
+    addThermal, addBluetooth, addWatch, addTop, addExplain, addRecord, addReplay, addPlot, addCompletion};
 
 } // namespace orv
