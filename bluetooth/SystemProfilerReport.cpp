@@ -113,6 +113,12 @@ void tellOfSpoiltList(const Array& devices, BluetoothReportObserver* observer)
         observer->deviceDecided({.element = element, .outcome = DeviceOutcome::spoiltList});
 }
 
+bool isHexadecimal(char character)
+{
+    return (character >= '0' && character <= '9') || (character >= 'a' && character <= 'f')
+        || (character >= 'A' && character <= 'F');
+}
+
 } // namespace
 
 BluetoothBatteryDictionary parseBluetoothReport(std::string_view bytes, BluetoothReportObserver* observer)
@@ -165,6 +171,19 @@ Dictionary batteryLevels(const Dictionary& properties)
             levels.set(level, integerValue(*text));
     }
     return levels;
+}
+
+bool isDeviceAddress(std::string_view text)
+{
+    constexpr std::size_t length = 17;
+    if (text.size() != length)
+        return false;
+    for (std::size_t place = 0; place < length; ++place) {
+        const bool separates = place % 3 == 2;
+        if (separates ? text[place] != ':' && text[place] != '-' : !isHexadecimal(text[place]))
+            return false;
+    }
+    return true;
 }
 
 } // namespace orv

@@ -24,6 +24,9 @@ inline constexpr std::string_view addressProperty = "device_address";
 
 /// The key of the device with an address.
 std::string deviceKey(std::string address);
+/// Whether a text has the form of an address or of the key made of one: six groups of two hexadecimal digits with a
+/// colon or a hyphen between them.
+bool isDeviceAddress(std::string_view text);
 /// Whether the walk uses a device's property of this name: its address or one of its levels.
 bool isUsedProperty(std::string_view name);
 /// The levels among a device's properties; those that are no text are passed over.

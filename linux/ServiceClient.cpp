@@ -14,8 +14,10 @@
 #include <chrono>
 #include <cstdint>
 #include <cstring>
+#include <span>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace orv {
 
@@ -62,36 +64,51 @@ bool isStartFailure(std::string_view errorName)
         || errorName.starts_with("org.freedesktop.systemd1.") || errorName == "org.freedesktop.DBus.Error.TimedOut";
 }
 
-/// One request, from connecting to the reply, within one deadline.
+using Asked = std::span<const RequestRow>;
+using Answers = std::vector<ServiceAnswer>;
+
+/// Some requests, from connecting to the last reply, within one deadline.
 class ServiceCall {
 public:
-    ServiceAnswer make(Request request);
+    explicit ServiceCall(Asked requests)
+        : asked(requests)
+        , replies(requests.size())
+    {
+    }
+
+    Answers make();
 
 private:
     int connect();
-    int send(Request request);
+    int send();
     int call(const char* interface, const char* method, const char* argument, BusMessage& answer);
     int step(Clock::time_point until);
     std::optional<UnitState> failedUnit();
-    std::optional<ServiceAnswer> waitForReply();
-    ServiceAnswer answer();
+    std::optional<ServiceAnswer> waitForReplies();
+    bool isAnswered() const;
+    ServiceAnswer answer(sd_bus_message* reply);
+    Answers toAll(const ServiceAnswer& answer) const { return Answers(asked.size(), answer); }
     static int replied(sd_bus_message* message, void* reply, sd_bus_error*);
 
+    const Asked asked;
     const Clock::time_point deadline = Clock::now() + patience;
     BusConnection bus;
-    BusMessage times; // asked for before the reply, so that an age is never too small
-    BusMessage reply;
+    BusMessage times; // asked for before the replies, so that an age is never too small
+    std::vector<BusMessage> replies;
 };
 
-ServiceAnswer ServiceCall::make(Request request)
+Answers ServiceCall::make()
 {
     if (const int result = connect(); result < 0)
-        return failure("asked", noSessionBus(result));
-    if (const int result = send(request); result < 0)
-        return failure("asked", std::strerror(-result));
-    if (auto end = waitForReply())
-        return std::move(*end);
-    return answer();
+        return toAll(failure("asked", noSessionBus(result)));
+    if (const int result = send(); result < 0)
+        return toAll(failure("asked", std::strerror(-result)));
+    if (const auto end = waitForReplies())
+        return toAll(*end);
+    Answers answers;
+    for (const auto& reply : replies)
+        answers.push_back(answer(reply.get()));
+    return answers;
 }
 
 int ServiceCall::connect()
@@ -107,10 +124,12 @@ int ServiceCall::connect()
     return 0;
 }
 
-int ServiceCall::send(Request request)
+int ServiceCall::send()
 {
-    const int result = call("org.freedesktop.DBus.Properties", "GetAll", sensorsInterface, times);
-    return result < 0 ? result : call(requestInterface, methodOf(request), nullptr, reply);
+    int result = call("org.freedesktop.DBus.Properties", "GetAll", sensorsInterface, times);
+    for (std::size_t index = 0; index < asked.size() && result >= 0; ++index)
+        result = call(requestInterface, asked[index].method, nullptr, replies[index]);
+    return result;
 }
 
 int ServiceCall::call(const char* interface, const char* method, const char* argument, BusMessage& answer)
@@ -147,10 +166,15 @@ std::optional<UnitState> ServiceCall::failedUnit()
     return state && state->hasFailed() ? state : std::nullopt;
 }
 
-std::optional<ServiceAnswer> ServiceCall::waitForReply()
+bool ServiceCall::isAnswered() const
+{
+    return std::ranges::all_of(replies, [](const auto& reply) { return reply.get() != nullptr; });
+}
+
+std::optional<ServiceAnswer> ServiceCall::waitForReplies()
 {
     auto look = Clock::now() + untilFirstLook;
-    while (!reply) {
+    while (!isAnswered()) {
         const auto now = Clock::now();
         if (now >= deadline)
             return failure("asked", "it does not answer");
@@ -165,19 +189,22 @@ std::optional<ServiceAnswer> ServiceCall::waitForReply()
     return std::nullopt;
 }
 
-ServiceAnswer ServiceCall::answer()
+ServiceAnswer ServiceCall::answer(sd_bus_message* reply)
 {
-    if (const auto* error = sd_bus_message_get_error(reply.get())) {
+    if (const auto* error = sd_bus_message_get_error(reply)) {
         const std::string reason = error->message ? error->message : error->name;
         return isStartFailure(error->name) ? startFailure(reason, unitState(bus.get(), unitName))
                                            : failure("asked", reason);
     }
-    auto value = readBusValue(reply.get());
+    auto value = readBusValue(reply);
     const bool isReply = value && value->as<Dictionary>();
     if (!isReply)
         return failure("asked", "its reply cannot be read");
     const bool isTold = times && !sd_bus_message_is_method_error(times.get(), nullptr);
-    return {std::move(value), {}, isTold ? serviceTiming(readBusDictionary(times.get())) : std::nullopt};
+    if (!isTold)
+        return {std::move(value), {}, std::nullopt};
+    sd_bus_message_rewind(times.get(), true); // another answer may have read it
+    return {std::move(value), {}, serviceTiming(readBusDictionary(times.get()))};
 }
 
 int ServiceCall::replied(sd_bus_message* message, void* reply, sd_bus_error*)
@@ -190,7 +217,12 @@ int ServiceCall::replied(sd_bus_message* message, void* reply, sd_bus_error*)
 
 ServiceAnswer askService(Request request)
 {
-    return ServiceCall().make(request);
+    return ServiceCall(Asked(&requests[static_cast<std::size_t>(request)], 1)).make().front();
+}
+
+std::vector<ServiceAnswer> askServiceForAll()
+{
+    return ServiceCall(requests).make();
 }
 
 } // namespace orv

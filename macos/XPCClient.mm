@@ -6,7 +6,9 @@
 #include <chrono>
 #include <future>
 #include <memory>
+#include <span>
 #include <utility>
+#include <vector>
 
 namespace orv {
 
@@ -65,19 +67,37 @@ void send(Request request, NSXPCConnection* connection, const std::shared_ptr<Ma
     }
 }
 
+std::vector<ServiceAnswer> ask(std::span<const RequestRow> asked)
+{
+    @autoreleasepool {
+        const auto deadline = std::chrono::steady_clock::now() + patience;
+        NSXPCConnection* connection = openConnection();
+        std::vector<std::future<ServiceAnswer>> expected;
+        for (const auto& row : asked) {
+            const auto mailbox = std::make_shared<Mailbox>();
+            expected.push_back(mailbox->future());
+            send(row.request, connection, mailbox);
+        }
+        std::vector<ServiceAnswer> answers;
+        for (auto& answer : expected) {
+            const bool isAnswered = answer.wait_until(deadline) == std::future_status::ready;
+            answers.push_back(isAnswered ? answer.get() : failure("it does not answer"));
+        }
+        [connection invalidate];
+        return answers;
+    }
+}
+
 } // namespace
 
 ServiceAnswer askService(Request request)
 {
-    @autoreleasepool {
-        const auto mailbox = std::make_shared<Mailbox>();
-        auto answer = mailbox->future();
-        NSXPCConnection* connection = openConnection();
-        send(request, connection, mailbox);
-        const bool isAnswered = answer.wait_for(patience) == std::future_status::ready;
-        [connection invalidate];
-        return isAnswered ? answer.get() : failure("it does not answer");
-    }
+    return ask(std::span(&requests[static_cast<std::size_t>(request)], 1)).front();
+}
+
+std::vector<ServiceAnswer> askServiceForAll()
+{
+    return ask(requests);
 }
 
 } // namespace orv

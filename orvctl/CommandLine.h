@@ -8,12 +8,23 @@
 #include <cstdio>
 #include <optional>
 #include <sstream>
+#include <string>
 
 namespace orv {
 
+/// Status 2, after one line on standard error.
+inline int tellMisused(const CLI::App& application, const std::string& why)
+{
+    std::fprintf(stderr, "%s: %s\n", application.get_name().c_str(), why.c_str());
+    return 2;
+}
+
+using TellMisused = int (*)(const CLI::App& application, const std::string& why);
+
 /// Parses a program's arguments. When the program has nothing more to do: its exit status, 0 after --help or
-/// --version, 2 and one line on standard error for arguments that cannot be used.
-inline std::optional<int> parseCommandLine(CLI::App& application, int argumentCount, char** arguments)
+/// --version; that of `misused`, which tells why, for arguments that cannot be used.
+inline std::optional<int> parseCommandLine(
+    CLI::App& application, int argumentCount, char** arguments, TellMisused misused = tellMisused)
 {
     try {
         application.parse(argumentCount, arguments);
@@ -24,8 +35,7 @@ inline std::optional<int> parseCommandLine(CLI::App& application, int argumentCo
             application.exit(error, text);
             return print(text.str());
         }
-        std::fprintf(stderr, "%s: %s\n", application.get_name().c_str(), usageFault(application, error).c_str());
-        return 2;
+        return misused(application, usageFault(application, error));
     }
 }
 

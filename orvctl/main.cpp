@@ -7,6 +7,17 @@
 #include <exception>
 #include <memory>
 
+namespace {
+
+// Whoever calls a check reads its line, and takes no other status for one that it could not make.
+int tellMisusedCommand(const CLI::App& application, const std::string& why)
+{
+    return application.got_subcommand(orv::checkCommand) ? orv::tellCheckMisused(why)
+                                                         : orv::tellMisused(application, why);
+}
+
+} // namespace
+
 int main(int argumentCount, char** arguments)
 {
     using namespace orv;
@@ -18,7 +29,7 @@ int main(int argumentCount, char** arguments)
     Run run;
     for (const auto addCommand : allCommands)
         addCommand(application, run);
-    if (const auto status = parseCommandLine(application, argumentCount, arguments))
+    if (const auto status = parseCommandLine(application, argumentCount, arguments, tellMisusedCommand))
         return *status;
     try {
         return run();

@@ -6,8 +6,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <tuple>
 #include <utility>
@@ -18,26 +16,6 @@ namespace {
 
 constexpr mode_t permissions = S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH;
 
-// A link fails where something stands; a rename takes its place.
-bool move(const std::string& from, const std::string& to, bool replaces)
-{
-    if (replaces)
-        return std::rename(from.c_str(), to.c_str()) == 0;
-    return ::link(from.c_str(), to.c_str()) == 0 && ::unlink(from.c_str()) == 0;
-}
-
-bool writeAll(int descriptor, std::string_view text)
-{
-    while (!text.empty()) {
-        const auto count = ::write(descriptor, text.data(), text.size());
-        if (count >= 0)
-            text.remove_prefix(static_cast<std::size_t>(count));
-        else if (errno != EINTR)
-            return false;
-    }
-    return true;
-}
-
 } // namespace
 
 RecordingOutput::RecordingOutput(std::string path, WritingMode writingMode, bool mayReplace)
@@ -45,12 +23,6 @@ RecordingOutput::RecordingOutput(std::string path, WritingMode writingMode, bool
     , mode(writingMode)
     , replaces(mayReplace)
 {
-}
-
-RecordingOutput::~RecordingOutput()
-{
-    if (!unfinished.empty())
-        ::unlink(unfinished.c_str());
 }
 
 bool RecordingOutput::open()
@@ -69,27 +41,23 @@ bool RecordingOutput::open()
         file = FileDescriptor(::open(place.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_APPEND | existing, permissions));
         return file || fail();
     }
-    auto beside = place + ".XXXXXX";
-    file = FileDescriptor(::mkostemp(beside.data(), O_CLOEXEC));
-    if (!file)
-        return fail();
-    unfinished = std::move(beside);
     const auto mask = ::umask(0);
     ::umask(mask);
-    return ::fchmod(file.get(), permissions & ~mask) == 0 || fail();
+    return beside.emplace(place).open(permissions & ~mask) || fail();
 }
 
 void RecordingOutput::write(std::string_view text)
 {
     if (!firstFault.empty())
         return;
-    if (writeAll(mode == WritingMode::toStandardOutput ? STDOUT_FILENO : file.get(), text)) {
+    const int descriptor = mode == WritingMode::toStandardOutput ? STDOUT_FILENO : file.get();
+    if (beside ? beside->write(text) : writeWhole(descriptor, text)) {
         size += static_cast<off_t>(text.size());
         return;
     }
     fail();
     // A pipe or a device cannot be cut, nor need it be.
-    if (mode != WritingMode::toStandardOutput)
+    if (file)
         std::ignore = ::ftruncate(file.get(), size);
 }
 
@@ -104,13 +72,8 @@ bool RecordingOutput::isRead()
 
 void RecordingOutput::finish()
 {
-    if (!firstFault.empty() || unfinished.empty())
-        return;
-    if (::fsync(file.get()) != 0 || !move(unfinished, place, replaces)) {
+    if (firstFault.empty() && beside && !beside->moveToPlace(replaces))
         fail();
-        return;
-    }
-    unfinished.clear();
 }
 
 bool RecordingOutput::fail()

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "base/FileDescriptor.h"
+#include "base/ReplacedFile.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -19,10 +21,6 @@ enum class WritingMode {
 class RecordingOutput {
 public:
     RecordingOutput(std::string path, WritingMode mode, bool replaces);
-    /// Removes what was not moved to its place.
-    ~RecordingOutput();
-    RecordingOutput(const RecordingOutput&) = delete;
-    RecordingOutput& operator=(const RecordingOutput&) = delete;
 
     /// Creates the file. False when that cannot be; `isInTheWay` tells why.
     bool open();
@@ -45,8 +43,8 @@ private:
     const std::string place;
     const WritingMode mode;
     const bool replaces;
-    std::string unfinished; // where it is written, when that is beside its place
-    FileDescriptor file;
+    std::optional<ReplacedFile> beside; // when it is written beside its place
+    FileDescriptor file; // otherwise
     off_t size = 0; // of whole texts
     std::string firstFault;
     bool fileIsInTheWay = false;

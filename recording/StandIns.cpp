@@ -11,24 +11,6 @@ namespace {
 
 constexpr std::size_t addressLength = 17; // six groups of two digits and what separates them
 
-bool isHexadecimal(char character)
-{
-    return (character >= '0' && character <= '9') || (character >= 'a' && character <= 'f')
-        || (character >= 'A' && character <= 'F');
-}
-
-bool isAddress(std::string_view text)
-{
-    if (text.size() != addressLength)
-        return false;
-    for (std::size_t place = 0; place < text.size(); ++place) {
-        const bool separates = place % 3 == 2;
-        if (separates ? text[place] != ':' && text[place] != '-' : !isHexadecimal(text[place]))
-            return false;
-    }
-    return true;
-}
-
 // Eleven digits before the colons are room for more devices than a file can name.
 std::string inTheFormOfAnAddress(std::size_t number)
 {
@@ -75,7 +57,7 @@ std::string StandIns::numbered(Numbers& numbers, const char* word, std::string_v
 
 std::string StandIns::addressOr(Numbers& numbers, const char* word, std::string_view text)
 {
-    return isAddress(text) ? deviceKey(text) : numbered(numbers, word, text);
+    return isDeviceAddress(text) ? deviceKey(text) : numbered(numbers, word, text);
 }
 
 } // namespace orv

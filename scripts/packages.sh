@@ -3,6 +3,8 @@ build_packages=(g++ cmake ninja-build pkg-config libsystemd-dev nlohmann-json3-d
 run_packages=(dbus dbus-daemon)
 test_packages=(clang-format-19 googletest python3 libglib2.0-bin systemd python3-dbusmock python3-jsonschema python3-pyte procps dpkg-dev file man-db
   util-linux mandoc zsh fish libxml2-utils w3c-sgml-lib)
+test_packages=(clang-format-19 googletest python3 libglib2.0-bin systemd python3-dbusmock python3-jsonschema
+  python3-prometheus-client python3-pyte procps dpkg-dev file man-db util-linux mandoc zsh fish)
 clang_packages=(clang-19 libc++-19-dev libc++abi-19-dev libclang-rt-19-dev) # of the presets libcxx, asan and tsan
 bench_packages=(libbenchmark-dev libsensors-dev python3 systemd util-linux valgrind)
 fuzz_packages=(clang-19 libclang-rt-19-dev)

@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace orv {
 
@@ -25,5 +26,8 @@ struct ServiceAnswer {
 
 /// Asks the running service, and waits for it no longer than 10 seconds.
 ServiceAnswer askService(Request request);
+
+/// The same for all requests at once, in the order of Request, within the same 10 seconds.
+std::vector<ServiceAnswer> askServiceForAll();
 
 } // namespace orv

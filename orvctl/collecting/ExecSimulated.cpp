@@ -29,6 +29,11 @@ ServiceAnswer askSimulatedMac(Request, const SimulatedMoment&)
     return {std::nullopt, *enterSimulation()};
 }
 
+std::vector<ServiceAnswer> askSimulatedMacForAll(const SimulatedMoment&)
+{
+    return std::vector<ServiceAnswer>(requests.size(), {std::nullopt, *enterSimulation()});
+}
+
 InspectionAnswer inspectSimulatedMac(const SimulatedMoment&, const std::vector<std::string>&)
 {
     return {std::nullopt, *enterSimulation()};

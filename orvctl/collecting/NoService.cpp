@@ -17,6 +17,11 @@ ServiceAnswer askService(Request)
     return {std::nullopt, refusal};
 }
 
+std::vector<ServiceAnswer> askServiceForAll()
+{
+    return std::vector<ServiceAnswer>(requests.size(), {std::nullopt, refusal});
+}
+
 std::string watchService(ServiceWatcher&, int)
 {
     return refusal;

@@ -8,6 +8,7 @@
 #include "smc/SMC.h"
 #include "thermal/Collection.h"
 
+#include <span>
 #include <utility>
 
 namespace orv {
@@ -37,17 +38,31 @@ void writeCollected(Request request, RecordedMac& mac, ReplySink& sink)
     }
 }
 
-} // namespace
-
-ServiceAnswer askSimulatedMac(Request request, const SimulatedMoment& moment)
+std::vector<ServiceAnswer> ask(std::span<const RequestRow> asked, const SimulatedMoment& moment)
 {
     std::string fault;
     const auto mac = openSimulatedMac(moment, fault);
     if (!mac)
-        return {std::nullopt, fault};
-    ValueSink sink;
-    writeCollected(request, *mac, sink);
-    return {sink.take(), {}};
+        return std::vector<ServiceAnswer>(asked.size(), {std::nullopt, fault});
+    std::vector<ServiceAnswer> answers;
+    for (const auto& row : asked) {
+        ValueSink sink;
+        writeCollected(row.request, *mac, sink);
+        answers.push_back({sink.take(), {}});
+    }
+    return answers;
+}
+
+} // namespace
+
+ServiceAnswer askSimulatedMac(Request request, const SimulatedMoment& moment)
+{
+    return ask(std::span(&requests[static_cast<std::size_t>(request)], 1), moment).front();
+}
+
+std::vector<ServiceAnswer> askSimulatedMacForAll(const SimulatedMoment& moment)
+{
+    return ask(requests, moment);
 }
 
 } // namespace orv

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace orv {
 
@@ -16,5 +17,8 @@ struct SimulatedMoment {
 /// What the service would answer as the Mac of a machine file or recording, collected once by this process, without a
 /// service.
 ServiceAnswer askSimulatedMac(Request request, const SimulatedMoment& moment);
+
+/// The same for all requests, in the order of Request.
+std::vector<ServiceAnswer> askSimulatedMacForAll(const SimulatedMoment& moment);
 
 } // namespace orv

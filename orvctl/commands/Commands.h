@@ -4,6 +4,7 @@
 
 #include <array>
 #include <functional>
+#include <string>
 
 namespace orv {
 
@@ -21,10 +22,16 @@ void addExplain(CLI::App& application, Run& run);
 void addRecord(CLI::App& application, Run& run);
 void addReplay(CLI::App& application, Run& run);
 void addPlot(CLI::App& application, Run& run);
+void addMetrics(CLI::App& application, Run& run);
+void addCheck(CLI::App& application, Run& run);
 void addCompletion(CLI::App& application, Run& run);
 
+inline constexpr const char* checkCommand = "check";
+/// Prints the line of a check whose arguments cannot be used, and returns its exit status.
+int tellCheckMisused(const std::string& why);
+
 /// In the order in which --help lists them.
-inline constexpr std::array allCommands{
-    addThermal, addBluetooth, addWatch, addTop, addExplain, addRecord, addReplay, addPlot, addCompletion};
+inline constexpr std::array allCommands{addThermal, addBluetooth, addWatch, addTop, addExplain, addRecord, addReplay,
+    addPlot, addMetrics, addCheck, addCompletion};
 
 } // namespace orv
