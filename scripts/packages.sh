@@ -11,5 +11,6 @@ fuzz_packages=(clang-19 libclang-rt-19-dev)
 check_packages=(clang-tidy-19 valgrind locales)
 package_packages=(dpkg-dev file) # of cpack
 package_test_packages=(git autopkgtest lintian mmdebstrap) # of scripts/test-package
+fleet_packages=(prometheus prometheus-node-exporter) # unpacked, not installed
 vm_packages=(qemu-system-x86 qemu-utils mmdebstrap e2fsprogs openssh-client python3)
 vm_guest_packages=(bluez bluez-test-tools python3-dbus python3-gi) # in the virtual computer

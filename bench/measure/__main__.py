@@ -19,9 +19,9 @@ import watching
 from bench import Bench
 
 MEASURES = {measure.__name__: measure for measure in (
-    asking.request, asking.slow_refresh, asking.mixed_replies, refreshing.code, refreshing.instructions,
-    refreshing.host, living.wake_ups, watching.watch, looking.top, living.memory, asking.activation, replaying.replay,
-    living.endurance)}
+    asking.request, asking.slow_refresh, asking.mixed_replies, asking.metrics, refreshing.code,
+    refreshing.instructions, refreshing.host, living.wake_ups, watching.watch, looking.top, living.memory,
+    asking.activation, replaying.replay, living.endurance)}
 
 
 def options():

@@ -1,9 +1,14 @@
 """What a client waits for."""
 
+import os
+import statistics
+import time
+
 from bench import BIN, NAME, run
 from rows import Row, ratio
 
 RUNS = 5
+PROGRAM_RUNS = 300
 
 
 def request(bench):
@@ -35,6 +40,22 @@ def mixed_replies(bench):
         seen = run(BIN / "bench-requests", "mixed", bench.options.replies, env=environment)
     what = f"replies mixed of two refreshes, of {seen['replies']} over {seen['changes']} refreshes"
     return [Row(what, "", str(seen["mixed"]), "0", seen["mixed"] + (seen["changes"] < 10), 0, unit="")]
+
+
+def metrics(bench):
+    def seconds(*command):
+        started = time.perf_counter()
+        child = os.posix_spawn(command[0], command, environment, file_actions=quietly)
+        assert os.waitpid(child, 0)[1] == 0
+        return time.perf_counter() - started
+
+    quietly = [(os.POSIX_SPAWN_OPEN, 1, os.devnull, os.O_WRONLY, 0)]
+    with bench.simulated() as (_, environment):
+        runs = [(seconds(BIN / "orvctl", "metrics"), seconds(BIN / "orvctl", "thermal", "--json"))
+                for _ in range(PROGRAM_RUNS)]
+    written, printed = (statistics.median(times) * 1000 for times in zip(*runs))
+    return [ratio("orvctl metrics of 60 entries, p50", "orvctl thermal --json of the same service, in turn", written,
+                  printed, 1.5, unit="ms")]
 
 
 def activation(bench):

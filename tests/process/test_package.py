@@ -112,6 +112,14 @@ class PackageTest(ProcessTest):
         unit.write_text(re.sub("^ExecStart=(/.*)", rf'ExecStart="{self.root}\1"', unit.read_text(), flags=re.MULTILINE))
         self.assertEqual(run("systemd-analyze", "verify", "--man=no", unit).stderr, "")
 
+    def test_metrics_are_written_by_a_timer_that_is_off(self):
+        units = self.root / "usr/lib/systemd/user"
+        service = units / "orv-metrics.service"
+        self.assertIn(self.sections(service)["Service"]["ExecStart"].split()[0], self.installed())
+        self.assertEqual([path for path in units.rglob("*") if path.is_symlink()], [])
+        service.write_text(re.sub("^ExecStart=(/\\S+)", rf'ExecStart="{self.root}\1"', service.read_text(), flags=re.MULTILINE))
+        self.assertEqual(run("systemd-analyze", "verify", "--man=no", units / "orv-metrics.timer").stderr, "")
+
     def drop_ins(self, data_home, unshare):
         """What the generator adds to the unit where making a namespace ends like the program unshare."""
         programs, units = self.folder / "programs", self.folder / f"units-{unshare}"
