@@ -112,6 +112,7 @@ void addCheck(CLI::App& application, Run& run)
     command->add_option("--crit", options->criticals, "Critical above this; may be repeated")
         ->type_name("WHAT=N")
         ->allow_extra_args(false);
+    command->footer("Example: orvctl check --simulate machines/macbookpro-m1.json --warn cpu=95");
     addSimulationOptions(*command, options->moment);
     command->callback([=, &run] { run = [=] { return checkWhateverHappens(*options); }; });
 }

@@ -67,6 +67,7 @@ void addMetrics(CLI::App& application, Run& run)
     auto* command = application.add_subcommand("metrics", "All readings as Prometheus and OpenMetrics read them");
     command->add_option("-o,--output", options->path, "Replace this file; - for standard output")->type_name("FILE");
     command->add_flag("--addresses", options->addresses, "Name devices by their addresses, not by stand-ins");
+    command->footer("Example: orvctl metrics --simulate machines/macbookpro-m1.json");
     addSimulationOptions(*command, options->moment);
     command->callback([=, &run] { run = [=] { return writeMetrics(*options); }; });
 }
