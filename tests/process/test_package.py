@@ -1,6 +1,7 @@
 """The Debian package: made, installed into an empty root, used and removed."""
 
 import configparser
+import email.utils
 import gzip
 import json
 import os
@@ -176,6 +177,13 @@ class PackageTest(ProcessTest):
                          sorted(re.sub(r"-(\d+)$", r"/\1", path.stem) for path in folder.iterdir()))
         jsonschema.validate(document, json.loads((folder / "orv.version-1.json").read_text()))
         self.assertEqual(self.orvctl("--version"), f"orvctl {document['version']}\n")
+
+    def test_changelog_and_pages_are_of_this_version(self):
+        log = gzip.decompress((self.root / "usr/share/doc/orv-smc-helper/changelog.gz").read_bytes()).decode()
+        version = re.match(r"orv-smc-helper \((\S+)\)", log)[1]
+        date = email.utils.parsedate_to_datetime(re.search(r"^ -- .*>  (.*)$", log, re.MULTILINE)[1]).date()
+        self.assertEqual(self.orvctl("--version"), f"orvctl {version}\n")
+        self.assertIn(f' {date} "orv\\-smc\\-helper {version}"', self.page("orvctl.1").split("\n")[0])
 
     def test_shells_find_their_completions(self):
         for shell, place in (("bash", "bash-completion/completions/orvctl"), ("zsh", "zsh/vendor-completions/_orvctl"),
