@@ -165,6 +165,7 @@ void addPlot(CLI::App& application, Run& run)
     addPlotMoment(*command, "--from", options->plan.from, "From here on: 90, 10m, or a time of day of a csv");
     addPlotMoment(*command, "--to", options->plan.to, "Up to here");
     command->add_flag("--force", options->replaces, "Replace a file that is there");
+    command->footer("Example: orvctl plot day.json -o temps.svg");
     command->callback([=, &run] { run = [=] { return plot(*options); }; });
 }
 

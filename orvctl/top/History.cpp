@@ -10,7 +10,7 @@ namespace {
 
 constexpr float nothing = std::numeric_limits<float>::quiet_NaN();
 
-void openColumn(Series& series, std::int64_t column)
+void openColumn(ReadingHistory& series, std::int64_t column)
 {
     if (series.columns.empty() || column - series.newest >= static_cast<std::int64_t>(History::mostColumns)) {
         series.columns.assign(1, nothing);
@@ -22,7 +22,7 @@ void openColumn(Series& series, std::int64_t column)
         series.columns.pop_front();
 }
 
-void add(Series& series, double value)
+void add(ReadingHistory& series, double value)
 {
     auto& column = series.columns.back();
     column = std::isnan(column) ? static_cast<float>(value) : std::max(column, static_cast<float>(value));
@@ -47,7 +47,7 @@ void History::take(const std::vector<TopReading>& readings, Seconds measuredAt)
     }
 }
 
-const Series* History::find(const std::string& identity) const
+const ReadingHistory* History::find(const std::string& identity) const
 {
     const auto found = series.find(identity);
     return found == series.end() ? nullptr : &found->second;

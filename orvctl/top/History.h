@@ -13,7 +13,7 @@
 namespace orv {
 
 /// What was seen of one reading.
-struct Series {
+struct ReadingHistory {
     double lowest = 0; // since the history began; of finite values, otherwise both are 0
     double highest = 0;
     bool hasFinite = false;
@@ -31,13 +31,13 @@ public:
     void take(const std::vector<TopReading>& readings, Seconds measuredAt);
 
     /// Nothing for a reading that was never taken.
-    const Series* find(const std::string& identity) const;
+    const ReadingHistory* find(const std::string& identity) const;
 
     /// The last columns of a reading, not a number where there was none; the newest, which still grows, last.
     std::vector<float> columns(const std::string& identity, std::size_t count) const;
 
 private:
-    std::map<std::string, Series> series;
+    std::map<std::string, ReadingHistory> series;
     std::int64_t newest = 0;
     bool hasBegun = false;
 };

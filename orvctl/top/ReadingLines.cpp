@@ -80,14 +80,14 @@ struct Range {
 };
 
 // What changes by less lies in the middle.
-Range seenRange(const Series& seen, const KindRow& row)
+Range seenRange(const ReadingHistory& seen, const KindRow& row)
 {
     const auto missing = std::max(row.smallestRange - (seen.highest - seen.lowest), 0.0);
     return {seen.lowest - missing / 2, seen.highest + missing / 2};
 }
 
 // In whole steps, since a line whose scale changes is sent anew.
-Range steadyRange(const Series& seen, const KindRow& row)
+Range steadyRange(const ReadingHistory& seen, const KindRow& row)
 {
     const auto step = row.smallestRange;
     return {std::floor(seen.lowest / step) * step, (std::floor(seen.highest / step) + 1) * step};
@@ -98,8 +98,8 @@ double partOf(double value, const Range& range)
     return (value - range.least) / (range.most - range.least);
 }
 
-void putHistory(
-    LineWriter& line, const TopReading& reading, const Series& seen, const History& history, const Drawing& drawing)
+void putHistory(LineWriter& line, const TopReading& reading, const ReadingHistory& seen, const History& history,
+    const Drawing& drawing)
 {
     const auto& columns = drawing.columns;
     const auto& row = rowOf(kindOf(reading));
