@@ -192,7 +192,7 @@ std::optional<ServiceAnswer> ServiceCall::waitForReplies()
 ServiceAnswer ServiceCall::answer(sd_bus_message* reply)
 {
     if (const auto* error = sd_bus_message_get_error(reply)) {
-        const std::string reason = error->message ? error->message : error->name;
+        const auto reason = serviceFault(*error);
         return isStartFailure(error->name) ? startFailure(reason, unitState(bus.get(), unitName))
                                            : failure("asked", reason);
     }

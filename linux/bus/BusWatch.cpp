@@ -1,3 +1,4 @@
+#include "linux/bus/BusFault.h"
 #include "linux/bus/BusHandles.h"
 #include "linux/bus/BusMessageReader.h"
 #include "linux/bus/BusNames.h"
@@ -147,7 +148,7 @@ int BusWatch::claimed(sd_bus_message* reply, void* userdata, sd_bus_error*)
 {
     auto& self = watch(userdata);
     if (const auto* error = sd_bus_message_get_error(reply))
-        self.missing(error->message ? error->message : error->name);
+        self.missing(serviceFault(*error));
     else
         self.call(self.timesCall, propertiesInterface, "GetAll", Start::refused, timesAnswered, sensorsInterface);
     return 0;
