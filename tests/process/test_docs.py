@@ -12,8 +12,7 @@ import unittest
 from support import BIN, MACHINES, PATIENCE, ProcessTest
 
 ROOT = MACHINES.parent
-PAGES = sorted([*(ROOT / "docs").glob("*.md"), *ROOT.glob("*.md")])
-GUIDES = [page for page in PAGES if page.name != "README.md"]
+PAGES = sorted([*ROOT.glob("*.md"), *(ROOT / "docs").glob("**/*.md")])
 LANGUAGES = {"sh", "yaml", "console", "text", "json", "ini", "c", "cpp", "objc", "swift", "python"}
 BLOCK = re.compile(r"^```(.*)\n((?:.*\n)*?)```$(?:\s*^```text\n((?:.*\n)*?)```$)?", re.MULTILINE)
 PROSE = re.compile(r"^```.*\n(?:.*\n)*?```$", re.MULTILINE)
@@ -52,17 +51,23 @@ class DocumentsTest(ProcessTest):
         return [(block, expected, each) for (block, expected), each in zip(blocks, printed.split(mark + "\n"))]
 
     def test_shell_blocks_do_what_the_page_says(self):
-        for page in GUIDES:
+        for page in PAGES:
             with self.subTest(page=page.name):
                 for block, expected, printed in self.run_blocks(page):
                     if expected is not None:
                         self.assertRegex(printed, rf"\A{pattern(expected)}\Z", block)
 
     def test_every_block_says_what_it_is(self):
-        for page in GUIDES:
+        for page in PAGES:
             text = page.read_text()
             self.assertEqual({block[1] for block in BLOCK.finditer(text)} - LANGUAGES, set(), page.name)
             self.assertNotRegex(PROSE.sub("", text), r"(?m)^\n {4}\S", page.name)  # a block without a mark
+
+    def test_changelog_is_of_this_version(self):
+        log = (ROOT / "CHANGELOG.md").read_text()
+        version, day = re.search(r"^## (\S+) – (\d{4}-\d\d-\d\d)$", log, re.MULTILINE).groups()
+        self.assertEqual(self.orvctl("--version"), f"orvctl {version}\n")
+        self.assertIn(f"set(ORV_RELEASE_DATE {day})", (ROOT / "CMakeLists.txt").read_text())
 
     def test_quoted_code_stands_where_it_is_said_to(self):
         for page in PAGES:
@@ -75,15 +80,18 @@ class DocumentsTest(ProcessTest):
     def test_links_lead_somewhere(self):
         headings = {page: {anchor(heading) for heading in re.findall(r"^#+ (.*)", PROSE.sub("", page.read_text()), re.MULTILINE)}
                     for page in PAGES}
+        reached = {ROOT / "README.md"}
         for page in PAGES:
-            for target in re.findall(r"\]\(([^)\s]+)\)", PROSE.sub("", page.read_text())):
+            for target in re.findall(r"""(?:\]\(|href="|src="|srcset=")([^)\s"]+)""", PROSE.sub("", page.read_text())):
                 if "://" in target:
                     continue
                 path, _, fragment = target.partition("#")
                 file = (page.parent / path).resolve() if path else page
                 self.assertTrue(file.exists(), f"{page.name}: {target}")
+                reached.add(file)
                 if fragment:
                     self.assertIn(fragment, headings[file], f"{page.name}: {target}")
+        self.assertEqual(set(PAGES) - reached, set())
 
 
 if __name__ == "__main__":

@@ -64,6 +64,13 @@ class PromiseTest(ProcessTest):
         for path in sorted((PACKAGING / "schemas").glob("*.json")):
             yield path.name, path.read_text()
 
+    def metrics(self):
+        series = set()
+        for machine in MACHINES.glob("*.json"):
+            text = self.orvctl("metrics", "--simulate", machine)
+            series |= {re.sub(r'="(?:[^"\\]|\\.)*"', "", line.rpartition(" ")[0]) for line in text.splitlines() if line[0] != "#"}
+        yield "names", "".join(f"{each}\n" for each in sorted(series))
+
     def buses(self):
         for path in sorted((PACKAGING / "linux").glob("org.orv.*.xml")):
             yield path.name, path.read_text()
@@ -85,6 +92,8 @@ class PromiseTest(ProcessTest):
             with self.subTest(path.name):
                 self.assertEqual(list(differences(json.loads(path.read_text()), json.loads(now[path.name]),
                                                   path.name in READ_BY_US)), [])
+        listed = re.findall(r"^\| \[`(.*)`\]", (ROOT / "docs/schemas.md").read_text(), re.MULTILINE)
+        self.assertEqual(sorted(listed), sorted(re.sub(r"-(\d+)\.json$", r"/\1", name) for name in now))
 
     def test_what_is_written_fits_the_schemas_that_were_kept(self):
         for machine in MACHINES.glob("*.json"):
@@ -107,6 +116,9 @@ class PromiseTest(ProcessTest):
         self.assertEqual([*requests], ["getModelDatawithReply", "getBTDataWithReply"])
         self.assertEqual(selectors, [*requests])
 
+    def test_metrics_keep_their_names_and_labels(self):
+        self.assertLessEqual(set((KEPT / "metrics/names").read_text().splitlines()), set(dict(self.metrics())["names"].splitlines()))
+
     def test_a_change_would_be_noticed(self):
         schema = {"type": ["object"], "required": ["a"], "title": "s",
                   "properties": {"a": {"type": "string"}, "title": {"enum": ["x", "y"]}}}
@@ -123,15 +135,16 @@ class PromiseTest(ProcessTest):
                 self.assertEqual(len(list(differences(schema, changed, is_read))), expected, (changed, is_read))
 
     def keep(self):
-        if KEPT.exists():
-            self.test_schemas_only_grow()
-            self.test_bus_and_protocol_only_grow()
+        for kind, holds in (("schemas", self.test_schemas_only_grow), ("bus", self.test_bus_and_protocol_only_grow),
+                            ("metrics", self.test_metrics_keep_their_names_and_labels)):
+            if (KEPT / kind).exists():
+                holds()
         for kind, documents in (("replies", self.replies()), ("replays", self.replays()), ("schemas", self.schemas()),
-                                ("bus", self.buses())):
+                                ("bus", self.buses()), ("metrics", self.metrics())):
             (KEPT / kind).mkdir(parents=True, exist_ok=True)
             for name, text in documents:
                 path = KEPT / kind / name
-                if not path.exists() or kind in ("schemas", "bus"):
+                if not path.exists() or kind in ("schemas", "bus", "metrics"):
                     path.write_text(text)
                     print(f"kept: {path.relative_to(ROOT)}")
 
