@@ -45,8 +45,10 @@ def fan_stops(mac, reading):
                        lambda: mac.set("SetFanSpeed", *key), key[0])
 
 
+# Not a core: one that reads too low is shown with another one's temperature.
 def sensor_vanishes(mac, reading):
-    key = reading(mac, "temperature", lambda entry: 20 < entry["value"] < 100)
+    key = reading(mac, "temperature",
+                  lambda entry: 20 < entry["value"] < 100 and not entry["title"].startswith("Core "))
     return Disturbance(f"sensor {key[0]} vanishes", mac, "OrvSensorVanished", lambda: mac.set("SetTemperature", key[0], 1),
                        lambda: mac.set("SetTemperature", *key), key[0])
 
