@@ -4,6 +4,7 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -56,6 +57,13 @@ void ServiceFeed::watch()
     post([this, ended = std::move(ended)](Top&) { fault = ended; });
 }
 
+std::optional<Clock::time_point> ServiceFeed::due() const
+{
+    const auto next = shownAt + std::chrono::seconds(1);
+    const Clock::time_point steady(std::chrono::ceil<Clock::duration>(steadyUntil.value_or(Seconds::zero())));
+    return std::max(next, steady);
+}
+
 bool ServiceFeed::post(News news)
 {
     const std::lock_guard lock(mutex);
@@ -76,6 +84,7 @@ void ServiceFeed::take(Top& top)
     }
     for (auto& each : news)
         each(top);
+    steadyUntil = top.steadyUntil();
 }
 
 bool ServiceFeed::repliesArrived(const WatchedReplies& replies)

@@ -21,7 +21,7 @@ public:
     ServiceFeed& operator=(const ServiceFeed&) = delete;
 
     int descriptor() const override { return arriving.get(); }
-    std::optional<Clock::time_point> due() const override { return shownAt + std::chrono::seconds(1); }
+    std::optional<Clock::time_point> due() const override;
     void take(Top& top) override;
     Seconds now() const override { return Clock::now().time_since_epoch(); }
 
@@ -35,6 +35,7 @@ private:
     void watch();
 
     Clock::time_point shownAt = Clock::now(); // when ages were last told
+    std::optional<Seconds> steadyUntil; // when they have to be again
     FileDescriptor arriving, telling; // a pipe that wakes the reader
     FileDescriptor wanting, output; // a pipe whose reading end closes when nobody watches any more
     std::mutex mutex;

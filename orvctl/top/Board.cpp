@@ -21,8 +21,9 @@ std::string clockText(double seconds)
 
 std::string freshText(const Timing& timing)
 {
-    const auto left = std::chrono::ceil<std::chrono::seconds>(timing.interval - timing.age).count();
-    return ageText(timing.age) + (left > 0 ? fmt::format(" old, next in {} s", left) : " old, next is due");
+    if (timing.age < timing.interval + arrivalTime)
+        return fmt::format("up to {0} old, next within {0}", ageText(timing.interval));
+    return ageText(timing.age) + " old, next is due";
 }
 
 } // namespace
@@ -39,6 +40,14 @@ bool Board::isFresh(Seconds now) const
 {
     const auto then = timingAt(now);
     return missing.empty() && (!then || freshness(*then) == Freshness::fresh);
+}
+
+// A second that is counted down costs a drawing, each as much as a refresh.
+std::optional<Seconds> Board::steadyUntil() const
+{
+    if (!timing || !missing.empty())
+        return std::nullopt;
+    return heardAt + Seconds(timing->interval - timing->age + arrivalTime);
 }
 
 std::string stateText(const Board& board, Seconds now, bool isFrozen)

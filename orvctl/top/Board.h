@@ -3,11 +3,15 @@
 #include "orvctl/top/History.h"
 #include "service/Freshness.h"
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace orv {
+
+/// What readings may take from the refresh to the screen.
+constexpr std::chrono::milliseconds arrivalTime{500};
 
 /// Everything that is known at a time.
 struct Board {
@@ -20,6 +24,8 @@ struct Board {
     /// The same as it is at another time.
     std::optional<Timing> timingAt(Seconds now) const;
     bool isFresh(Seconds now) const;
+    /// Until when no text about its age changes, if nothing arrives.
+    std::optional<Seconds> steadyUntil() const;
 };
 
 /// A recording as it is being played.
@@ -30,7 +36,7 @@ struct PlaybackState {
     bool isPaused = false;
 };
 
-/// How the readings are: "3 s old, next in 2 s", "stale, measured 42 s ago", "no service".
+/// How the readings are: "up to 5 s old, next within 5 s", "stale, measured 42 s ago", "no service".
 std::string stateText(const Board& board, Seconds now, bool isFrozen);
 
 /// "playing 0:12:35 of 24:00:00, 10 times as fast".

@@ -117,7 +117,7 @@ class TopTest(ProcessTest):
         self.helper.wait(PATIENCE)
         self.start_helper(mac(smc=[{"key": "TC0P", "type": "sp78", "bytes": "3c00"}]))
         terminal.until_shown("60.0 °C")
-        terminal.until(lambda lines: "next in" in lines[0])
+        terminal.until(lambda lines: "next within" in lines[0])
         self.bus.kill()  # the session has ended
         self.assertEqual(terminal.wait(), 1)
         self.assertEqual(terminal.settings(), terminal.modes)

@@ -108,7 +108,7 @@ TEST(Top, ShowsReadingsByGroupsWithWhatWasSeenOfThem)
     hear(shown.top, later, 131);
     EXPECT_EQ(shown.lines({80, 10}, 131),
         (std::vector<std::string>{
-            "Mac                                                         1 s old, next in 4 s",
+            "Mac                                               up to 5 s old, next within 5 s",
             "  Reading        Key        Now Range         10 min                  Low   High",
             "▾ CPU 1",
             "  CPU Proximity  TC0P   57.5 °C █████████████                   ▃▇   47.5   57.5",
@@ -236,7 +236,9 @@ TEST(Top, SaysAndGreysWhatIsNotFresh)
         return std::ranges::all_of(frame.lines[3].texts, [](const auto& text) { return text.style == Style::faint; });
     };
     Shown shown(smallMachine());
-    EXPECT_TRUE(shown.lines({80, 24}, 104.5)[0].ends_with("  6 s old, next is due"));
+    EXPECT_TRUE(shown.lines({80, 24}, 104.4)[0].ends_with("  up to 5 s old, next within 5 s"));
+    ASSERT_TRUE(shown.top.steadyUntil());
+    EXPECT_TRUE(shown.lines({80, 24}, shown.top.steadyUntil()->count())[0].ends_with("  6 s old, next is due"));
     EXPECT_FALSE(isGrey(shown.top, 114));
     EXPECT_TRUE(shown.lines({80, 24}, 120)[0].ends_with("  stale, measured 21 s ago"));
     EXPECT_TRUE(isGrey(shown.top, 120));
