@@ -2,11 +2,14 @@
 #import "macos/OrvXPCRequestData.h"
 #include "service/Client.h"
 
+#include <unistd.h>
+
 #include <atomic>
 #include <chrono>
 #include <future>
 #include <memory>
 #include <span>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -38,6 +41,12 @@ ServiceAnswer failure(const std::string& reason)
     return {std::nullopt, std::string("the service ") + bundleIdentifier + " cannot be asked: " + reason};
 }
 
+// Where to look, for one line.
+ServiceAnswer unreachable(const std::string& reason)
+{
+    return failure(reason + "; see launchctl print gui/" + std::to_string(getuid()) + "/" + bundleIdentifier);
+}
+
 ServiceAnswer received(NSDictionary* reply)
 {
     auto value = valueOfObject(reply);
@@ -57,7 +66,7 @@ void send(Request request, NSXPCConnection* connection, const std::shared_ptr<Ma
 {
     const auto mailbox = given; // a block would capture the reference
     const auto takeReply = ^(NSDictionary* reply) { mailbox->offer(received(reply)); };
-    const auto takeError = ^(NSError* error) { mailbox->offer(failure(coreText(error.localizedDescription))); };
+    const auto takeError = ^(NSError* error) { mailbox->offer(unreachable(coreText(error.localizedDescription))); };
     id<OrvXPCRequestData> service = [connection remoteObjectProxyWithErrorHandler:takeError];
     switch (request) {
     case Request::thermal:
