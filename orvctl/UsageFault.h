@@ -11,14 +11,12 @@ inline std::string usageFault(const CLI::App& application, const CLI::ParseError
 {
     const auto commands = application.get_subcommands();
     const auto strangers = application.remaining();
-    const auto name = application.get_name();
-    if (!commands.empty())
-        return std::string(error.what()) + "; see " + name + " " + commands.front()->get_name() + " --help";
-    const bool isCommandMissing = dynamic_cast<const CLI::RequiredError*>(&error) != nullptr;
+    const bool isCommandMissing = commands.empty() && dynamic_cast<const CLI::RequiredError*>(&error);
     const auto fault = !isCommandMissing ? error.what()
         : strangers.empty()              ? "no command"
                                          : "\"" + strangers.front() + "\" is no command";
-    return fault + "; " + name + " --help lists them";
+    const auto command = commands.empty() ? "" : commands.front()->get_name() + " ";
+    return fault + "; see " + application.get_name() + " " + command + "--help";
 }
 
 } // namespace orv

@@ -58,9 +58,14 @@ std::optional<std::string> firstObject(LineReader& lines, std::string& fault)
 
 std::optional<Recording> Recording::open(const std::string& path, std::string& fault)
 {
-    auto recording = readFirstMoment(path, fault);
+    auto file = openRegularFile(path);
+    if (!file) {
+        fault = path + ": " + std::strerror(errno);
+        return std::nullopt;
+    }
+    auto recording = readFirstMoment(std::move(file), fault);
     if (!recording || !recording->lookThrough(fault)) {
-        fault = path + ": " + fault;
+        fault = path + ": " + fault + "; see orv-machine-file(5)";
         return std::nullopt;
     }
     if (!recording->cutNotice.empty())
@@ -92,13 +97,8 @@ Recording::Recording(MachineFile machine, LineReader followingLines)
         keys.insert(row.key);
 }
 
-std::optional<Recording> Recording::readFirstMoment(const std::string& path, std::string& fault)
+std::optional<Recording> Recording::readFirstMoment(FileDescriptor file, std::string& fault)
 {
-    auto file = openRegularFile(path);
-    if (!file) {
-        fault = std::strerror(errno);
-        return std::nullopt;
-    }
     LineReader lines(std::move(file));
     const auto text = firstObject(lines, fault);
     auto machine = text ? parseMachine(*text, fault) : std::nullopt;

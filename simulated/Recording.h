@@ -30,7 +30,7 @@ struct RecordingStep {
 class Recording {
 public:
     /// Opens a recording whose every line can be used. Otherwise nothing, and `fault` is one line that names the file,
-    /// the line or member and what is wrong.
+    /// the line or member and what is wrong, and what describes such files.
     static std::optional<Recording> open(const std::string& path, std::string& fault);
 
     const MachineFile& machine() const { return firstMoment; }
@@ -47,7 +47,7 @@ public:
 
 private:
     Recording(MachineFile machine, LineReader lines);
-    static std::optional<Recording> readFirstMoment(const std::string& path, std::string& fault);
+    static std::optional<Recording> readFirstMoment(FileDescriptor file, std::string& fault);
     std::optional<RecordingStep> readStep(std::string& fault);
     bool lookThrough(std::string& fault);
 

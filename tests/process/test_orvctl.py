@@ -66,7 +66,7 @@ class OrvctlTest(ProcessTest):
         self.assertRegex(self.orvctl("--version"), r"\Aorvctl \d+\.\d+\.\d+\n\Z")
         self.assertIn("thermal", self.orvctl("--help"))
         self.assertIn("--simulate", self.orvctl("thermal", "--help"))
-        for arguments, further in (((), "no command; orvctl --help"), (("fans",), '"fans" is no command; orvctl --help'),
+        for arguments, further in (((), "no command; see orvctl --help"), (("fans",), '"fans" is no command; see orvctl --help'),
                                    (("thermal", "--xml"), "--xml; see orvctl thermal --help"),
                                    (("thermal", "bluetooth"), "bluetooth; see orvctl thermal --help"),
                                    (("thermal", "--simulate"), "FILE missing; see orvctl thermal --help")):
