@@ -46,7 +46,7 @@ class DocumentsTest(ProcessTest):
         script = "".join(f"{block}echo {mark!r}\n" for block, _ in blocks)
         shell = self.start("bash", "-e", cwd=self.checkout, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                            stderr=subprocess.STDOUT)
-        printed = shell.communicate("trap 'kill $(jobs -p) 2>/dev/null || :' EXIT\n" + script, timeout=PATIENCE)[0]
+        printed = shell.communicate("trap 'kill $(jobs -p) 2>/dev/null || :' EXIT\n" + script, timeout=3 * PATIENCE)[0]
         self.assertEqual(shell.returncode, 0, printed)
         return [(block, expected, each) for (block, expected), each in zip(blocks, printed.split(mark + "\n"))]
 
