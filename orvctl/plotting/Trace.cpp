@@ -92,7 +92,7 @@ Trace::Trace(std::size_t count)
 
 void Trace::add(double position, double value, bool isJoined)
 {
-    const auto index = std::min(static_cast<std::size_t>(std::max(position, 0.0)), columns.size() - 1);
+    const auto index = static_cast<std::size_t>(std::clamp(position, 0.0, static_cast<double>(columns.size() - 1)));
     auto& column = columns[index];
     if (column.points++ == 0) {
         column = {value, value, value, value, position, 1, isJoined};

@@ -16,11 +16,24 @@ namespace {
 
 constexpr const char* instead = "; use orvctl watch";
 
-bool isKnownTerminal()
-{
+/// What is known of the terminal, until the screen finds it out for itself.
+class KnownTerminal {
+public:
+    KnownTerminal() { isFound = setupterm(nullptr, STDOUT_FILENO, &outcome) == OK; }
+    ~KnownTerminal()
+    {
+        if (isFound)
+            del_curterm(cur_term);
+    }
+    KnownTerminal(const KnownTerminal&) = delete;
+    KnownTerminal& operator=(const KnownTerminal&) = delete;
+
+    bool canMoveItsCursor() const { return isFound && capability("cup"); }
+
+private:
     int outcome = 0;
-    return setupterm(nullptr, STDOUT_FILENO, &outcome) == OK && capability("cup");
-}
+    bool isFound = false;
+};
 
 std::size_t sizeOf(unsigned short told, const char* usual)
 {
@@ -44,7 +57,8 @@ std::string terminalRefusal()
     const char* const type = std::getenv("TERM");
     if (!type || !*type)
         return std::string("TERM does not say what terminal this is") + instead;
-    if (!isKnownTerminal())
+    const KnownTerminal terminal;
+    if (!terminal.canMoveItsCursor())
         return "the terminal \"" + std::string(type) + "\" is not known, or cannot move its cursor" + instead;
     const auto [width, height] = terminalSize();
     if (width < smallestScreen.width || height < smallestScreen.height)

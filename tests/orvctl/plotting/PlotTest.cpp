@@ -63,7 +63,7 @@ TEST(Trace, DrawsFromExtremeToExtremeWhateverLiesWithinAPixel)
     EXPECT_EQ(pathOf(trace), "M0.5,1v8h1v-8");
     Trace busy(720);
     for (int point = 0; point < 720000; ++point)
-        busy.add(point / 1000.0, point * 7919 % 10007 / 1001.0, point > 0);
+        busy.add(point / 1000.0, point % 10007 * 7919 % 10007 / 1001.0, point > 0);
     EXPECT_LT(pathOf(busy).size(), 720u * 24);
 }
 
