@@ -38,7 +38,7 @@ std::string modelOfThisMac()
 {
     SysfsAttributes attributes;
     const auto model = HostHardware(hostRoot(), attributes).systemValue("hw.model").value_or("");
-    return model.c_str(); // without the NUL behind it
+    return model.substr(0, model.find('\0'));
 }
 
 } // namespace orv
