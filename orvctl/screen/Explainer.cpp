@@ -11,7 +11,7 @@
 #include <cstring>
 #include <utility>
 
-extern char** environ;
+extern char** environ; // NOLINT(readability-redundant-declaration): not every system declares it
 
 namespace orv {
 

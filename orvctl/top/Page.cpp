@@ -44,7 +44,7 @@ void wrapLine(std::string_view line, std::size_t width, std::vector<std::string>
         const auto next = rest.find_first_not_of(' ', length);
         if (next == std::string::npos)
             return;
-        rest = continued + rest.substr(next);
+        rest.replace(0, next, continued);
     }
 }
 

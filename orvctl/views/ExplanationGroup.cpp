@@ -56,7 +56,7 @@ std::string ExplanationGroup::cellsText(std::string_view common) const
         if (own.empty())
             together.push_back(cell);
         else
-            alone += row("  " + cell) + own;
+            alone.append(row("  " + cell)).append(own);
     }
     return columns(2, together) + alone;
 }

@@ -3,6 +3,8 @@
 #include "orvctl/top/Top.h"
 #include "json/JSONReader.h"
 
+#include <fmt/format.h>
+
 #include <string>
 #include <vector>
 
@@ -16,8 +18,7 @@ inline Dictionary dictionary(const std::string& text)
 
 inline std::string sensor(const std::string& key, const std::string& title, double degrees)
 {
-    return '"' + key + R"(": {"type": "temperature", "title": ")" + title + R"(", "value": )" + std::to_string(degrees)
-        + '}';
+    return fmt::format(R"("{}": {{"type": "temperature", "title": "{}", "value": {}}})", key, title, degrees);
 }
 
 inline std::string joined(const std::vector<std::string>& members)
