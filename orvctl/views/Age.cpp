@@ -18,8 +18,8 @@ struct AgeUnit {
 };
 
 constexpr std::array<AgeUnit, 4> ageUnits{{
-    {86'400, 3 * 86'400, "days"},
-    {3'600, 3 * 3'600, "h"},
+    {86'400, 3LL * 86'400, "days"},
+    {3'600, 3LL * 3'600, "h"},
     {60, 120, "min"},
     {1, 0, "s"},
 }};
