@@ -109,8 +109,9 @@ std::size_t characterCount(std::string_view text)
 std::optional<std::int64_t> decimalInteger(std::string_view text)
 {
     std::int64_t number = 0;
-    const auto* end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    const auto* begin = text.data();
+    const auto* end = begin + text.size();
+    const auto [stop, error] = std::from_chars(begin, end, number);
     return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
 }
 

@@ -82,7 +82,7 @@ template <typename Row, std::size_t count> consteval auto ordinalsOf(const std::
 
 constexpr const SensorKey& sensorKeyOf(const SensorKey& key)
 {
-    return key;
+    return key; // NOLINT(bugprone-return-const-ref-from-parameter): a row, which its table keeps
 }
 constexpr const SensorKey& sensorKeyOf(const SensorKeyPair& row)
 {
