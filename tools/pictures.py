@@ -7,6 +7,7 @@ usage: pictures.py BIN FOLDER
 import html
 import itertools
 import os
+import pty
 import subprocess
 import sys
 from pathlib import Path
@@ -93,10 +94,21 @@ def screen_svg(screen):
         f'<rect width="{width:g}" height="{height:g}" rx="8" class="f-page"/>', *draw_screen(screen), "</svg>", ""))
 
 
+def has_terminal():
+    try:
+        for file in pty.openpty():
+            os.close(file)
+    except OSError as error:
+        print(f"not tested: a screen needs a pseudo-terminal (is /dev/pts mounted?): {error}", file=sys.stderr)
+        return False
+    return True
+
+
 def main():
     programs, folder = Path(sys.argv[1]).resolve(), Path(sys.argv[2])
     folder.mkdir(parents=True, exist_ok=True)
-    (folder / "top.svg").write_text(screen_svg(read_screen(programs)), encoding="utf-8")
+    if has_terminal():
+        (folder / "top.svg").write_text(screen_svg(read_screen(programs)), encoding="utf-8")
     subprocess.run((programs / "orvctl", "plot", RECORDING, "-o", folder / "plot.svg", "--force"), check=True)
 
 
