@@ -1,5 +1,6 @@
 #include "orvctl/checking/Measurement.h"
 
+#include "orvctl/views/EntryMember.h"
 #include "thermal/SensorGroup.h"
 
 #include <fmt/format.h>
@@ -11,26 +12,19 @@ namespace orv {
 
 namespace {
 
-std::string_view text(const Dictionary& entry, std::string_view member)
+double speed(const Dictionary& entry, std::string_view key)
 {
-    const auto* found = entry.findAs<std::string>(member);
-    return found ? std::string_view(*found) : std::string_view();
-}
-
-double integer(const Dictionary& entry, std::string_view member)
-{
-    const auto* found = entry.findAs<std::int64_t>(member);
-    return found ? static_cast<double>(*found) : 0;
+    return static_cast<double>(member<std::int64_t>(entry, key));
 }
 
 /// Nothing is added of an entry that is neither.
 void addMeasurement(Measurements& measurements, const std::string& key, const Dictionary& entry)
 {
-    const std::string title(text(entry, "title"));
+    const auto title = member<std::string>(entry, "title");
     const auto* degrees = entry.findAs<double>("value");
-    if (text(entry, "type") == "fans")
-        measurements.push_back({key, title, MeasurementKind::fan, integer(entry, "value"), integer(entry, "minvalue"),
-            integer(entry, "maxvalue")});
+    if (member<std::string>(entry, "type") == "fans")
+        measurements.push_back({key, title, MeasurementKind::fan, speed(entry, "value"), speed(entry, "minvalue"),
+            speed(entry, "maxvalue")});
     else if (degrees)
         measurements.push_back({key, title, MeasurementKind::temperature, *degrees});
 }

@@ -39,7 +39,7 @@ else
 fi
 )";
 
-// Within single quotes, and within the brackets or between the colons of a specification.
+// Within single quotes, and within the brackets or between the colons of what an option is described by.
 std::string escaped(const std::string& text)
 {
     std::string result;
@@ -67,21 +67,21 @@ std::string taken(const Taken& value)
     return {};
 }
 
-std::string optionSpecification(const OptionWords& option, const std::string& name)
+std::string optionArgument(const OptionWords& option, const std::string& name)
 {
-    std::string specification = option.value.isRepeated ? "*" : "(" + joined(option.names) + ")";
-    specification += name;
+    std::string described = option.value.isRepeated ? "*" : "(" + joined(option.names) + ")";
+    described += name;
     if (option.value.what != Takes::nothing)
-        specification += name.starts_with("--") ? "=" : "+"; // the value may stand in the same word
-    return "'" + specification + "[" + escaped(option.description) + "]" + taken(option.value) + "'";
+        described += name.starts_with("--") ? "=" : "+"; // the value may stand in the same word
+    return "'" + described + "[" + escaped(option.description) + "]" + taken(option.value) + "'";
 }
 
-std::string specifications(const CommandWords& command, const std::string& margin)
+std::string argumentsCall(const CommandWords& command, const std::string& margin)
 {
     std::string lines = margin + "_arguments";
     for (const auto& option : command.options) {
         for (const auto& name : option.names)
-            lines += " \\\n" + margin + "  " + optionSpecification(option, name);
+            lines += " \\\n" + margin + "  " + optionArgument(option, name);
     }
     if (command.arguments.what != Takes::nothing)
         lines += " \\\n" + margin + (command.arguments.isRepeated ? "  '*" : "  '1") + taken(command.arguments) + "'";
@@ -91,7 +91,7 @@ std::string specifications(const CommandWords& command, const std::string& margi
 std::string commandCase(const CommandWords& command)
 {
     const std::string margin(6, ' ');
-    return "    " + command.name + ")\n" + specifications(command, margin) + "\n" + margin + ";;\n";
+    return "    " + command.name + ")\n" + argumentsCall(command, margin) + "\n" + margin + ";;\n";
 }
 
 } // namespace
@@ -99,7 +99,7 @@ std::string commandCase(const CommandWords& command)
 std::string zshCompletion(const CLI::App& program)
 {
     const auto commands = commandsOf(program);
-    std::string script = beginning + specifications(wordsOf(program), "  ") + " \\\n" + commandsBeginning;
+    std::string script = beginning + argumentsCall(wordsOf(program), "  ") + " \\\n" + commandsBeginning;
     for (const auto& command : commands)
         script += "      '" + escaped(command.name) + ":" + escaped(command.description) + "'\n";
     script += argumentsBeginning;

@@ -3,6 +3,7 @@
 #include "bluetooth/SystemProfilerReport.h"
 #include "orvctl/metrics/DeviceStandIns.h"
 #include "orvctl/metrics/MetricsText.h"
+#include "orvctl/views/EntryMember.h"
 #include "orvctl/views/LevelNames.h"
 #include "thermal/SensorGroup.h"
 
@@ -45,20 +46,14 @@ bool isFresh(const std::optional<Timing>& timing)
     return !timing || freshness(*timing) == Freshness::fresh;
 }
 
-std::string_view text(const Dictionary& entry, std::string_view member)
-{
-    const auto* found = entry.findAs<std::string>(member);
-    return found ? std::string_view(*found) : std::string_view();
-}
-
 void addTemperatures(MetricsText& metrics, const Dictionary& thermal)
 {
     for (const auto& [key, value] : thermal) {
         const auto* entry = value.as<Dictionary>();
         const auto* degrees = entry ? entry->findAs<double>("value") : nullptr;
-        if (!degrees || text(*entry, "type") != "temperature")
+        if (!degrees || member<std::string>(*entry, "type") != "temperature")
             continue;
-        const auto title = text(*entry, "title");
+        const auto title = member<std::string>(*entry, "title");
         metrics.add(temperatures, {{"key", key}, {"title", title}, {"group", identifierOf(groupOf(title))}}, *degrees);
     }
 }
@@ -68,8 +63,9 @@ void addFans(MetricsText& metrics, const Dictionary& thermal, const FanFamily& r
     for (const auto& [key, value] : thermal) {
         const auto* entry = value.as<Dictionary>();
         const auto* speed = entry ? entry->findAs<std::int64_t>(row.member) : nullptr;
-        if (speed && text(*entry, "type") == "fans")
-            metrics.add(row.family, {{"key", key}, {"title", text(*entry, "title")}}, static_cast<double>(*speed));
+        if (speed && member<std::string>(*entry, "type") == "fans")
+            metrics.add(row.family, {{"key", key}, {"title", member<std::string>(*entry, "title")}},
+                static_cast<double>(*speed));
     }
 }
 

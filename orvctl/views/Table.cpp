@@ -1,5 +1,6 @@
 #include "orvctl/views/Table.h"
 
+#include "orvctl/views/EntryMember.h"
 #include "orvctl/views/LevelNames.h"
 #include "orvctl/views/NaturalOrder.h"
 #include "orvctl/views/Printable.h"
@@ -23,12 +24,6 @@ namespace {
 
 constexpr std::size_t titleWidth = 34;
 constexpr std::size_t deviceWidth = 34;
-
-template <typename T> T member(const Dictionary& dictionary, std::string_view key)
-{
-    const auto* content = dictionary.findAs<T>(key);
-    return content ? *content : T{};
-}
 
 /// One reading under its code, in the order in which a table shows it.
 struct Reading {

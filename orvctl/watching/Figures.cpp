@@ -1,5 +1,6 @@
 #include "orvctl/watching/Figures.h"
 
+#include "orvctl/views/EntryMember.h"
 #include "orvctl/views/LevelNames.h"
 #include "orvctl/views/Printable.h"
 #include "json/JSONWriter.h"
@@ -15,16 +16,9 @@ namespace orv {
 
 namespace {
 
-std::string_view text(const Dictionary& entry, std::string_view member)
+double speed(const Dictionary& entry, std::string_view key)
 {
-    const auto* found = entry.findAs<std::string>(member);
-    return found ? std::string_view(*found) : std::string_view();
-}
-
-double speed(const Dictionary& entry, std::string_view member)
-{
-    const auto* found = entry.findAs<std::int64_t>(member);
-    return found ? static_cast<double>(*found) : 0;
+    return static_cast<double>(member<std::int64_t>(entry, key));
 }
 
 void addFigure(std::vector<Figure>& figures, std::string_view key, std::string_view title, std::string_view unit,
@@ -46,9 +40,9 @@ void addFigure(std::vector<Figure>& figures, std::string_view key, std::string_v
 void addThermal(std::vector<Figure>& figures, const Member& sensor, std::string_view type, std::string_view unit)
 {
     const auto* entry = sensor.value.as<Dictionary>();
-    const auto* value = entry && text(*entry, "type") == type ? entry->find("value") : nullptr;
+    const auto* value = entry && member<std::string>(*entry, "type") == type ? entry->find("value") : nullptr;
     if (value)
-        addFigure(figures, sensor.key, text(*entry, "title"), unit, *value, speed(*entry, "minvalue"),
+        addFigure(figures, sensor.key, member<std::string>(*entry, "title"), unit, *value, speed(*entry, "minvalue"),
             speed(*entry, "maxvalue"));
 }
 
@@ -96,7 +90,7 @@ std::vector<Figure> figuresOf(const Moment& moment)
 bool isNamed(const Member& entry, std::string_view name)
 {
     const auto* members = entry.value.as<Dictionary>();
-    return entry.key == name || (members && !name.empty() && text(*members, "title") == name);
+    return entry.key == name || (members && !name.empty() && member<std::string>(*members, "title") == name);
 }
 
 bool isNamed(const Figure& figure, std::string_view name)

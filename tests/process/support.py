@@ -60,6 +60,18 @@ def plain(value):
     return {key: plain(content) for key, content in value.items()}
 
 
+def read_to_the_end(controller):
+    """What is written to a pseudo-terminal until nobody has it open any more. Closes the controlling side."""
+    shown = b""
+    try:
+        while piece := os.read(controller, 4096):
+            shown += piece
+    except OSError:  # how the end of a terminal reads
+        pass
+    os.close(controller)
+    return shown
+
+
 def needs_a_terminal(test):
     """Where there are no pseudo-terminals, as in a plain chroot, the test says so and is left out."""
     @functools.wraps(test)

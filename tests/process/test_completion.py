@@ -7,7 +7,7 @@ import shlex
 import subprocess
 import unittest
 
-from support import BIN, PATIENCE, ProcessTest, needs_a_terminal
+from support import BIN, PATIENCE, ProcessTest, needs_a_terminal, read_to_the_end
 
 BASH = """
 source {script}
@@ -105,13 +105,7 @@ class CompletionTest(ProcessTest):
                                  start_new_session=True)
         self.addCleanup(self.end, shell)
         os.close(terminal)
-        shown = b""
-        try:
-            while piece := os.read(controller, 4096):
-                shown += piece
-        except OSError:  # how the end of a terminal reads
-            pass
-        os.close(controller)
+        shown = read_to_the_end(controller)
         found = self.folder / "found"
         self.assertTrue(found.exists(), shown)
         self.check(found.read_text())

@@ -8,7 +8,7 @@ import subprocess
 import time
 import unittest
 
-from support import BIN, HELPER, MACHINES, NAME, PATIENCE, ProcessTest, mac, needs_a_terminal, report
+from support import BIN, HELPER, MACHINES, NAME, PATIENCE, ProcessTest, mac, needs_a_terminal, read_to_the_end, report
 
 ESCAPE = "\x1b"
 
@@ -18,13 +18,7 @@ class OrvctlTest(ProcessTest):
         controller, terminal = pty.openpty()
         process = self.start(BIN / "orvctl", *arguments, stdout=terminal)
         os.close(terminal)
-        shown = b""
-        try:
-            while piece := os.read(controller, 4096):
-                shown += piece
-        except OSError:  # how the end of a terminal reads
-            pass
-        os.close(controller)
+        shown = read_to_the_end(controller)
         self.assertEqual(process.wait(), 0)
         return shown.decode()
 
