@@ -6,8 +6,8 @@
 #include <IOKit/IOKitLib.h>
 
 #include <algorithm>
-#include <map>
 #include <string>
+#include <vector>
 
 namespace orv {
 
@@ -19,30 +19,33 @@ constexpr kern_return_t badArgument = static_cast<kern_return_t>(0xe00002c2);
 
 enum class Kind { emptyIterator, fullIterator, service, connection };
 
+struct Object {
+    io_object_t name;
+    Kind kind;
+    bool operator==(const Object&) const = default;
+};
+
 struct State {
     Hardware* hardware = nullptr;
-    std::map<io_object_t, Kind> objects;
+    std::vector<Object> objects; // there are hardly ever more than two
     io_object_t lastName = 0x1000; // never handed out twice, so that a stale handle stays invalid
     int matchingDictionaries = 0;
 
     io_object_t add(Kind kind)
     {
-        objects.emplace(++lastName, kind);
+        objects.push_back({++lastName, kind});
         return lastName;
     }
 
-    bool is(io_object_t object, Kind kind) const
+    bool is(io_object_t name, Kind kind) const
     {
-        const auto found = objects.find(object);
-        return found != objects.end() && found->second == kind;
+        return std::ranges::find(objects, Object{name, kind}) != objects.end();
     }
 };
 
-State& state()
-{
-    static auto& instance = *new State;
-    return instance;
-}
+// Asked for twice in every exchange, so it is made before the program begins, and it outlives whatever closes a
+// connection at its end.
+State& state = *new State;
 
 // Reads and writes the caller's blocks in place: what was just stored field by field is slow to copy as a whole. A call
 // that fails writes nothing.
@@ -81,22 +84,22 @@ kern_return_t answer(const SMCParamBlock& input, SMCParamBlock& output)
 
 void setHardware(Hardware& hardware)
 {
-    state().hardware = &hardware;
-    std::erase_if(state().objects, [](const auto& object) { return object.second == Kind::connection; });
+    state.hardware = &hardware;
+    std::erase_if(state.objects, [](const Object& object) { return object.kind == Kind::connection; });
 }
 
 Hardware& currentHardware()
 {
     assertMainThread();
-    if (!state().hardware)
+    if (!state.hardware)
         fatalError("the hardware was asked before it was set");
-    return *state().hardware;
+    return *state.hardware;
 }
 
 IOKitUsage ioKitUsage()
 {
-    IOKitUsage usage{.liveObjects = state().matchingDictionaries};
-    for (const auto& [name, kind] : state().objects)
+    IOKitUsage usage{.liveObjects = state.matchingDictionaries};
+    for (const auto& [name, kind] : state.objects)
         ++(kind == Kind::connection ? usage.openConnections : usage.liveObjects);
     return usage;
 }
@@ -115,7 +118,7 @@ extern "C" mach_port_t mach_task_self()
 // The dictionary is only ever handed on to the next call, so its name is all it needs to be.
 extern "C" CFMutableDictionaryRef IOServiceMatching(const char* name)
 {
-    ++state().matchingDictionaries;
+    ++state.matchingDictionaries;
     return reinterpret_cast<CFMutableDictionaryRef>(new std::string(name));
 }
 
@@ -124,37 +127,39 @@ extern "C" kern_return_t IOServiceGetMatchingServices(mach_port_t, CFDictionaryR
     const auto* name = reinterpret_cast<const std::string*>(matching);
     const bool isFound = *name == "AppleSMC" && currentHardware().hasSMC();
     delete name; // consumed, whatever comes of it
-    --state().matchingDictionaries;
-    *existing = state().add(isFound ? Kind::fullIterator : Kind::emptyIterator);
+    --state.matchingDictionaries;
+    *existing = state.add(isFound ? Kind::fullIterator : Kind::emptyIterator);
     return KERN_SUCCESS;
 }
 
 extern "C" io_object_t IOIteratorNext(io_iterator_t iterator)
 {
-    if (!state().is(iterator, Kind::fullIterator))
+    if (!state.is(iterator, Kind::fullIterator))
         return IO_OBJECT_NULL;
-    state().objects[iterator] = Kind::emptyIterator;
-    return state().add(Kind::service);
+    *std::ranges::find(state.objects, iterator, &Object::name) = {iterator, Kind::emptyIterator};
+    return state.add(Kind::service);
 }
 
 extern "C" kern_return_t IOObjectRelease(io_object_t object)
 {
-    return state().objects.erase(object) == 1 ? KERN_SUCCESS : sendInvalidDestination;
+    return std::erase_if(state.objects, [&](const Object& each) { return each.name == object; }) == 1
+        ? KERN_SUCCESS
+        : sendInvalidDestination;
 }
 
 extern "C" kern_return_t IOServiceOpen(io_service_t service, task_port_t, uint32_t, io_connect_t* connect)
 {
-    if (!state().is(service, Kind::service))
+    if (!state.is(service, Kind::service))
         return sendInvalidDestination;
-    *connect = state().add(Kind::connection);
+    *connect = state.add(Kind::connection);
     return KERN_SUCCESS;
 }
 
 extern "C" kern_return_t IOServiceClose(io_connect_t connect)
 {
-    if (!state().is(connect, Kind::connection))
+    if (!state.is(connect, Kind::connection))
         return sendInvalidDestination;
-    state().objects.erase(connect);
+    std::erase(state.objects, Object{connect, Kind::connection});
     currentHardware().closeSMC();
     return KERN_SUCCESS;
 }
@@ -162,7 +167,7 @@ extern "C" kern_return_t IOServiceClose(io_connect_t connect)
 extern "C" kern_return_t IOConnectCallStructMethod(mach_port_t connection, uint32_t selector, const void* inputStruct,
     size_t inputStructCnt, void* outputStruct, size_t* outputStructCnt)
 {
-    if (!state().is(connection, Kind::connection))
+    if (!state.is(connection, Kind::connection))
         return sendInvalidDestination;
     if (selector != kSMCUserClientSelector || inputStructCnt != sizeof(SMCParamBlock)
         || *outputStructCnt < sizeof(SMCParamBlock))

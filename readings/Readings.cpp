@@ -12,17 +12,13 @@ ThermalDictionary::ThermalDictionary(std::initializer_list<Entry> listed)
         insert_or_assign(std::string(code), Reading(reading));
 }
 
-void ThermalDictionary::insert_or_assign(std::string&& code, Reading&& reading)
+// The reading of a code that is not behind all others, made where there is none.
+ThermalDictionary::Reading& ThermalDictionary::among(std::string&& code)
 {
-    if (entries.empty() || entries.back().first < code) {
-        entries.emplace_back(std::move(code), std::move(reading));
-        return;
-    }
     const auto place = std::ranges::lower_bound(entries, code, std::less<>(), &Entry::first);
     if (place->first == code)
-        place->second = std::move(reading);
-    else
-        entries.emplace(place, std::move(code), std::move(reading));
+        return place->second;
+    return entries.emplace(place, std::move(code), Reading())->second;
 }
 
 void ThermalDictionary::merge(ThermalDictionary& other)

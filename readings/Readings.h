@@ -44,8 +44,14 @@ public:
     ThermalDictionary(std::initializer_list<Entry> listed);
 
     void reserve(std::size_t count) { entries.reserve(count); }
-    /// Stores a reading, replacing an earlier one of the same code. Quick for a code behind all others.
-    void insert_or_assign(std::string&& code, Reading&& reading);
+    /// Stores a reading or an entry, replacing an earlier one of the same code. Quick for a code behind all others.
+    template <typename Stored> void insert_or_assign(std::string&& code, Stored&& reading)
+    {
+        if (entries.empty() || entries.back().first < code)
+            entries.emplace_back(std::move(code), std::forward<Stored>(reading));
+        else
+            among(std::move(code)) = std::forward<Stored>(reading);
+    }
     /// Takes the readings of the codes that this one lacks.
     void merge(ThermalDictionary& other);
 
@@ -57,6 +63,8 @@ public:
     bool operator==(const ThermalDictionary&) const = default;
 
 private:
+    Reading& among(std::string&& code);
+
     std::vector<Entry> entries; // in ascending order of the codes' bytes, each code once
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -10,6 +11,9 @@ namespace orv {
 /// bytes of a longer text count.
 constexpr std::uint32_t fourCharCode(std::string_view text)
 {
+    const auto byte = [&](std::size_t index) { return std::uint32_t{static_cast<unsigned char>(text[index])}; };
+    if (text.size() == 4) // one load, where the loop takes twenty instructions
+        return byte(0) << 24 | byte(1) << 16 | byte(2) << 8 | byte(3);
     std::uint32_t code = 0;
     for (const char character : text)
         code = code << 8 | static_cast<unsigned char>(character);

@@ -69,10 +69,18 @@ constexpr bool fractionBitsFollowTheCodes()
 
 static_assert(rowsFollowTheEnumeration() && fractionBitsFollowTheCodes());
 
-constexpr auto codes = [] {
-    std::array<std::uint32_t, smcValueFormats.size()> each{};
-    std::ranges::transform(smcValueFormats, each.begin(), fourCharCode, &SMCValueFormat::code);
-    return each;
+struct CodedRow {
+    std::uint32_t code = 0;
+    const SMCValueFormat* row = nullptr;
+};
+
+// Every reading looks here: codes are compared as integers.
+constexpr auto rowsByCode = [] {
+    std::array<CodedRow, smcValueFormats.size()> rows{};
+    std::ranges::transform(smcValueFormats, rows.begin(),
+        [](const SMCValueFormat& row) { return CodedRow{fourCharCode(row.code), &row}; });
+    std::ranges::sort(rows, {}, &CodedRow::code);
+    return rows;
 }();
 
 std::uint32_t bigEndian(const SMCVal& val, std::size_t count)
@@ -148,9 +156,9 @@ const SMCValueFormat* smcValueFormat(std::string_view code)
 {
     if (code.size() != codeLength)
         return nullptr;
-    // Every reading passes here: codes are compared as integers.
-    const auto found = std::ranges::find(codes, fourCharCode(code));
-    return found == codes.end() ? nullptr : &smcValueFormats[static_cast<std::size_t>(found - codes.begin())];
+    const auto number = fourCharCode(code);
+    const auto found = std::ranges::lower_bound(rowsByCode, number, {}, &CodedRow::code);
+    return found != rowsByCode.end() && found->code == number ? found->row : nullptr;
 }
 
 DecodedValue decode(const SMCVal& val)

@@ -44,13 +44,13 @@ ThermalDictionary collectAppleSilicon(SMC& smc, std::int64_t efficiencyCores, st
 /// The collection behind collectIntel and collectM1Common.
 ThermalDictionary collectWithTable(SMC& smc, const SensorTable& table, CollectionObserver* observer);
 
-/// The temperatures above 10 degrees of the keys that the table names. Of several keys with one title the first in
-/// ascending order of bytes is kept.
+/// The temperatures above 10 degrees of the keys that the table names, added to the fans. Of several keys with one
+/// title the first in ascending order of bytes is kept.
 ThermalDictionary readTableTemperatures(SMC& smc, const std::vector<std::string_view>& temperatureKeys,
-    const SensorTable& table, CollectionObserver* observer);
+    const SensorTable& table, ThermalDictionary fans, CollectionObserver* observer);
 
-/// The same for the system on a chip, where cores and GPU sensors are titled by counting, and no more cores are read
-/// than the machine has.
+/// The temperatures of the system on a chip, where cores and GPU sensors are titled by counting, and no more cores are
+/// read than the machine has.
 ThermalDictionary readSocTemperatures(SMC& smc, const std::vector<std::string_view>& temperatureKeys,
     std::int64_t efficiencyCores, std::int64_t performanceCores, const std::string& processorName,
     CollectionObserver* observer);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "smc/FourCharCode.h"
+
 #include <algorithm>
 #include <array>
 #include <concepts>
@@ -58,6 +60,8 @@ constexpr std::string_view keyOf(const SensorKeyPair& row)
 /// eight are equal when their numbers are.
 constexpr std::uint64_t ordinal(std::string_view text)
 {
+    if (text.size() == 4) // what most keys are
+        return std::uint64_t{fourCharCode(text)} << 32;
     std::uint64_t number = 0;
     std::size_t missing = sizeof(number);
     for (const char character : text.substr(0, sizeof(number))) {
@@ -73,7 +77,7 @@ static_assert(sizeof(SensorKey::characters) <= sizeof(std::uint64_t)); // so a t
 template <typename Row> struct KeyedTable {
     std::span<const Row> rows; ///< In catalogue order.
     std::span<const Row> sorted; ///< The same rows in ascending order of the key's bytes.
-    /// Those of the sorted rows' keys. Looked up by text, a refresh would take 12 % more instructions.
+    /// Those of the sorted rows' keys. Looked up by text, a refresh would take an eighth more instructions.
     std::span<const std::uint64_t> ordinals;
 
     /// The row of a key, compared exactly and case-sensitively; nullptr when the table does not name it.
