@@ -160,23 +160,32 @@ CommandLine parseCommandLine(int argumentCount, char** arguments)
 {
     const option options[]{{"help", no_argument, nullptr, 'h'}, {"version", no_argument, nullptr, 'v'},
         {"simulate", required_argument, nullptr, 's'}, {"from", required_argument, nullptr, 'f'}, {}};
+    constexpr int notAnOption = 1; // as the first character below asks for
+    const char* unexpected = nullptr;
     CommandLine commandLine;
-    for (int found = 0; (found = getopt_long(argumentCount, arguments, "h", options, nullptr)) != -1;) {
+    int at = optind;
+    for (int found = 0; (found = getopt_long(argumentCount, arguments, "-:h", options, nullptr)) != -1; at = optind) {
         if (found == 'h')
             return {.status = printed(help)};
         if (found == 'v')
             return {.status = printed("orv-smc-helper " ORV_VERSION "\n")};
         if (found == 's')
             commandLine.machinePath = optarg;
+        else if (found == notAnOption)
+            unexpected = unexpected ? unexpected : optarg;
+        else if (found == ':')
+            return refused("nothing follows ", arguments[at]);
         else if (found != 'f')
-            return {.status = 2}; // getopt has said why
+            return refused("no such option: ", arguments[at]);
         else if (const auto seconds = secondsFrom(optarg))
             commandLine.from = *seconds;
         else
             return refused("--from: not a number of seconds: ", optarg);
     }
-    if (optind != argumentCount)
-        return refused("unexpected argument: ", arguments[optind]);
+    if (!unexpected && optind != argumentCount)
+        unexpected = arguments[optind];
+    if (unexpected)
+        return refused("unexpected argument: ", unexpected);
     if (commandLine.from > 0 && !commandLine.machinePath)
         return refused("--from goes with --simulate", "");
     return commandLine;

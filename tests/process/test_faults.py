@@ -49,8 +49,12 @@ class FaultTest(ProcessTest):
         for path, fault in ((self.folder / "missing", "No such file"), (self.folder, "Is a directory")):
             self.assertRegex(self.refusal(2, HELPER, "--simulate", path), f": {path}: {fault}")
             self.assertRegex(self.refusal(2, BIN / "orvctl", "thermal", "--simulate", path), f": {path}: {fault}")
-        self.refusal(2, HELPER, "--simulate")
-        self.refusal(2, HELPER, "thermal")
+        for arguments, fault in ((("--simulate",), "nothing follows --simulate"), (("--help=x",), "no such option: --help=x"),
+                                 (("--from=3", "-xh"), "no such option: -xh"), (("x", "--bad"), "no such option: --bad"),
+                                 (("x", "y"), "unexpected argument: x"), (("--", "-h"), "unexpected argument: -h")):
+            with self.subTest(arguments=arguments):
+                line = f"orv-smc-helper: {fault}; see orv-smc-helper --help\n"
+                self.assertEqual(self.refusal(2, HELPER, *arguments), line)
 
     def test_without_session_bus(self):
         machine = self.machine_file(mac(watch=WATCH))
