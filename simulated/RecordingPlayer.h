@@ -23,6 +23,9 @@ public:
     /// Tells of a sleep that had begun before the moment skipped to. Once, when everybody listens.
     void begin();
 
+    /// When the next step is: seconds since the recording's beginning. Nothing after the last.
+    std::optional<double> due() const { return next ? std::optional(next->at) : std::nullopt; }
+
     /// Plays on the manual clock, whose zero is the recording's, up to a moment, that included. A step comes before
     /// everything else that is due at its moment.
     void playTo(double moment, ManualRunLoop& runLoop);

@@ -6,6 +6,7 @@
 #include "platform/RefreshObserver.h"
 #include "platform/Workspace.h"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <memory>
@@ -78,12 +79,24 @@ public:
         recorded.player.begin();
     }
 
-    /// Lets as much time pass as has passed, and tells of it.
-    bool step(Clock::duration time, ServiceWatcher& watcher)
+    /// How much time is to have passed when there is next something to look at: an interval's end, or what the
+    /// recording says happened within it.
+    Clock::duration due() const
     {
-        recorded.player.playTo(recorded.player.position() + Seconds(time).count(), recorded.runLoop);
+        const auto end = (played / interval + 1) * interval;
+        const auto step = recorded.player.due();
+        return step ? std::min(end, std::chrono::ceil<Clock::duration>(Seconds(*step))) : end;
+    }
+
+    /// Lets as much time pass as has passed since the beginning, and tells of it. What was missed, while this program
+    /// was stopped, is made up for by one output.
+    bool playTo(Clock::duration time, ServiceWatcher& watcher)
+    {
+        const bool isIntervalOver = time / interval > played / interval;
+        played = time;
+        recorded.player.playTo(Seconds(time).count(), recorded.runLoop);
         if (!std::exchange(times.isRefreshed, false))
-            return watcher.nothingArrived(times.timing());
+            return !isIntervalOver || watcher.nothingArrived(times.timing());
         const auto thermal = server.thermalReply();
         const auto bluetooth = server.bluetoothReply();
         return watcher.repliesArrived({*thermal.as<Dictionary>(), *bluetooth.as<Dictionary>(), times.timing()});
@@ -93,6 +106,7 @@ private:
     RecordedMac& recorded;
     SimulatedTimes times;
     RecordedServer server;
+    Clock::duration played{};
 };
 
 } // namespace
@@ -105,13 +119,9 @@ std::string watchSimulatedMac(const std::string& machinePath, ServiceWatcher& wa
         return fault;
     const WatchedBundle bundle(mac->simulation.bundle);
     SimulatedWatch watched(*mac);
-    auto shown = Clock::now();
-    for (bool isWanted = watched.step({}, watcher); isWanted && waitWhileRead(output, shown + interval);) {
-        // What was missed, while this program was stopped, is made up for by one output.
-        const auto time = (Clock::now() - shown) / interval * interval;
-        shown += time;
-        isWanted = watched.step(time, watcher);
-    }
+    const auto beginning = Clock::now();
+    for (bool isWanted = watched.playTo({}, watcher); isWanted && waitWhileRead(output, beginning + watched.due());)
+        isWanted = watched.playTo(Clock::now() - beginning, watcher);
     return {};
 }
 
