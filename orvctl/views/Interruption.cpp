@@ -1,24 +1,30 @@
 #include "orvctl/views/Interruption.h"
 
 #include <csignal>
+#include <initializer_list>
 
 namespace orv {
 
 namespace {
 
-volatile std::sig_atomic_t interrupted = 0;
+volatile std::sig_atomic_t interrupted = 0; // by this signal
 
-void note(int)
+// Who asks to quit a second time does not wait for the program to hear of it.
+void note(int signal)
 {
-    interrupted = 1;
+    interrupted = signal;
+    if (signal == SIGQUIT)
+        std::signal(SIGQUIT, SIG_DFL);
 }
 
 void handle(void (*handler)(int))
 {
     std::signal(SIGINT, handler);
     std::signal(SIGTERM, handler);
-    if (std::signal(SIGHUP, handler) == SIG_IGN)
-        std::signal(SIGHUP, SIG_IGN); // as under nohup
+    for (const int mayBeIgnored : {SIGHUP, SIGQUIT}) {
+        if (std::signal(mayBeIgnored, handler) == SIG_IGN)
+            std::signal(mayBeIgnored, SIG_IGN); // as under nohup
+    }
 }
 
 } // namespace
@@ -34,6 +40,8 @@ Interruption::~Interruption()
 {
     handle(SIG_DFL);
     std::signal(SIGPIPE, SIG_DFL);
+    if (interrupted == SIGQUIT)
+        std::raise(SIGQUIT); // its end is asked for, with a core
 }
 
 bool Interruption::hasCome() const

@@ -2,8 +2,8 @@
 
 namespace orv {
 
-/// While it lives, SIGINT, SIGTERM and the closing of the terminal no longer end the program but are noted, and a
-/// reader that goes away is a failed write. One at a time.
+/// While it lives, SIGINT, SIGTERM, SIGQUIT and the closing of the terminal no longer end the program but are noted,
+/// and a reader that goes away is a failed write. SIGQUIT ends the program when this goes. One at a time.
 class Interruption {
 public:
     Interruption();

@@ -14,8 +14,9 @@ public:
     std::string fault;
 };
 
-/// Ends the program with status 0, after `clean`, when SIGTERM, SIGINT or SIGHUP arrives, whatever it is waiting for;
-/// a reader that goes away raises no signal from here on. To be called before any other thread is started.
+/// Ends the program after `clean`, whatever it is waiting for: with status 0 when SIGTERM, SIGINT or SIGHUP arrives,
+/// and as SIGQUIT does when that arrives; what is ignored of SIGHUP and SIGQUIT stays ignored. A reader that goes away
+/// raises no signal from here on. To be called before any other thread is started.
 void endOnSignals(void (*clean)());
 
 } // namespace orv

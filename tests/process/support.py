@@ -22,6 +22,7 @@ NAME = os.environ.get("ORV_NAME", "org.orv.SMCHelper")
 PATH = "/" + NAME.replace(".", "/")
 REQUESTS = "org.orv.OrvXPCRequestData"
 SIMULATION = "org.orv.SimulatedMac"
+signal.signal(signal.SIGQUIT, signal.SIG_DFL)  # which the shells' background jobs ignore, and what they start
 PATIENCE = 60  # seconds: for a sanitized build on a busy machine
 BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
   "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">

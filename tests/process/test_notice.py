@@ -244,21 +244,23 @@ class NoticeTest(ProcessTest):
 
     def test_simulated_mac_is_watched_without_a_service(self):
         path = self.machine_file(mac(bluetooth=report(70), watch={"watch-1": {"batteryLevel": 80}}))
-        process = self.watch("--format", "jsonl", "--simulate", path)
-        first, second = json.loads(process.lines.next()), json.loads(process.lines.next())
-        self.assertEqual((first["bluetooth"], second["thermal"]), ({}, first["thermal"]))
-        self.assertEqual(second["bluetooth"], {**device(70), "watch-1": {"batteryLevel": 80}})
-        process.send_signal(signal.SIGTERM)
-        self.assertEqual(process.wait(PATIENCE), 0)
+        ends = {signal.SIGTERM: 0, signal.SIGQUIT: -signal.SIGQUIT}
+        watches = {number: self.watch("--format", "jsonl", "--simulate", path) for number in ends}
+        for number, process in watches.items():
+            first, second = json.loads(process.lines.next()), json.loads(process.lines.next())
+            self.assertEqual((first["bluetooth"], second["thermal"]), ({}, first["thermal"]))
+            self.assertEqual(second["bluetooth"], {**device(70), "watch-1": {"batteryLevel": 80}})
+            process.send_signal(number)
+            self.assertEqual(process.wait(PATIENCE), ends[number])
         self.assertEqual(list(self.temporary.iterdir()), [])
 
     def test_recording_is_watched_as_it_was(self):
-        steps = [{"at": 3, "smc": {"TC0P": "3200"}}, {"at": 7, "smc": {"TC0P": "3c00"}, "event": "sleep"},
-                 {"at": 3600, "event": "wake"}]
+        steps = [{"at": 2, "smc": {"TC0P": "2d00"}, "event": "wake"}, {"at": 3, "smc": {"TC0P": "3200"}},
+                 {"at": 7, "smc": {"TC0P": "3c00"}, "event": "sleep"}, {"at": 3600, "event": "wake"}]
         path = self.machine_file("\n".join(map(json.dumps, [mac(), *steps])) + '\n{"at": 36')
         watches = {name: self.watch("--format", name, "--simulate", path) for name in ("jsonl", "waybar")}
-        readings = [json.loads(watches["jsonl"].lines.next())["thermal"]["TC0P"]["value"] for _ in range(2)]
-        self.assertEqual(readings, [40.0, 50.0])
+        readings = [json.loads(watches["jsonl"].lines.next())["thermal"]["TC0P"]["value"] for _ in range(3)]
+        self.assertEqual(readings, [40.0, 45.0, 50.0])
         line = json.loads(watches["waybar"].lines.until(lambda line: "asleep" in line))
         self.assertIn("50 °C", line["text"])
         for process in watches.values():

@@ -40,9 +40,9 @@ def still(machine):
     return json.dumps(machine)
 
 
-def stepping():
+def stepping(**members):
     """Each of its moments is another one."""
-    machine = mac()
+    machine = mac(**members)
     machine["smc"][0]["bytes"] = ["2000", "2100"]
     return json.dumps(machine)
 
@@ -229,17 +229,19 @@ class RecordTest(ProcessTest):
                 self.assertEqual((process.wait(PATIENCE), process.stderr.read()), (1, "orvctl: cannot write: Broken pipe\n"))
 
     def test_interrupted_recording_is_whole(self):
-        given = self.file(stepping())
-        for sent in signal.SIGINT, signal.SIGTERM, signal.SIGHUP:
+        given = self.file(stepping(watch={"watch-1": {"batteryLevel": 60}}))
+        for sent in signal.SIGINT, signal.SIGTERM, signal.SIGHUP, signal.SIGQUIT:
             target = self.temporary / sent.name
             process = self.start(ORVCTL, "record", "--simulate", given, "--for", "30000h", "-o", target,
                                  stderr=subprocess.PIPE, preexec_fn=lambda: signal.signal(signal.SIGHUP, signal.SIG_DFL))
             self.until(lambda: target.exists() and target.stat().st_size > 5000)
             process.send_signal(sent)
-            self.assertEqual(process.wait(PATIENCE), 0)
-            self.assertIn("later moments", process.stderr.read())
+            quits = sent == signal.SIGQUIT
+            self.assertEqual(process.wait(PATIENCE), -sent if quits else 0)
+            self.assertIn("" if quits else "later moments", process.stderr.read())
             self.assertGreater(lines_of(target.read_text().partition("\n}\n")[2])[-1]["at"], 0)
             self.assertTrue(self.replayed(target, "--to", "5"))
+        self.assertEqual(list(self.temporary.glob("orv-smc-helper-*")), [])
 
     @needs_a_terminal
     def test_progress_is_for_a_terminal_and_goes(self):
