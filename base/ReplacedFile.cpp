@@ -1,6 +1,7 @@
 #include "base/ReplacedFile.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -15,6 +16,45 @@ namespace orv {
 namespace {
 
 constexpr mode_t readableByAll = S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH;
+
+// Hidden, and without the ending by which others know the place's kind.
+std::string nameBeside(const std::string& place)
+{
+    const auto name = place.rfind('/') + 1; // 0 without a folder
+    return place.substr(0, name) + '.' + place.substr(name) + ".orv~";
+}
+
+bool isNamed(const FileDescriptor& file, const std::string& path)
+{
+    struct stat opened{};
+    struct stat named{};
+    return ::fstat(file.get(), &opened) == 0 && ::lstat(path.c_str(), &named) == 0 && opened.st_dev == named.st_dev
+        && opened.st_ino == named.st_ino;
+}
+
+// Who holds the lock of what has the name writes it, and alone removes it or moves it away. The kernel takes the lock
+// from a writer that is killed.
+bool lock(const FileDescriptor& file)
+{
+    return ::flock(file.get(), LOCK_EX | LOCK_NB) == 0;
+}
+
+void removeAbandoned(const std::string& path)
+{
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    if (file && lock(file) && isNamed(file, path))
+        ::unlink(path.c_str());
+}
+
+// None while another writes it, nor when another took it for abandoned before it was locked.
+FileDescriptor createAnew(const std::string& path)
+{
+    removeAbandoned(path);
+    FileDescriptor file(::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    if (file && ((!lock(file) && errno == EWOULDBLOCK) || !isNamed(file, path)))
+        file.reset();
+    return file;
+}
 
 // A link fails where something stands; a rename takes its place.
 bool move(const std::string& from, const std::string& to, bool replaces)
@@ -66,8 +106,12 @@ ReplacedFile::~ReplacedFile()
 
 bool ReplacedFile::open(mode_t permissions)
 {
-    auto path = place + ".XXXXXX";
-    file = FileDescriptor(::mkostemp(path.data(), O_CLOEXEC));
+    auto path = nameBeside(place);
+    file = createAnew(path);
+    if (!file) {
+        path = place + ".XXXXXX";
+        file = FileDescriptor(::mkostemp(path.data(), O_CLOEXEC));
+    }
     if (!file)
         return false;
     beside = std::move(path);

@@ -10,7 +10,8 @@
 namespace orv {
 
 /// A file that is written beside its place and then moved there. What stands there is whole at every moment, also with
-/// several writers. All that fails leaves it as it is, and errno says why.
+/// several writers. All that fails leaves it as it is, and errno says why. What a writer that is killed leaves beside
+/// it the next one removes.
 class ReplacedFile {
 public:
     explicit ReplacedFile(std::string place);
