@@ -6,16 +6,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <string_view>
 
 namespace orv {
 
 namespace {
-
-double speed(const Dictionary& entry, std::string_view key)
-{
-    return static_cast<double>(member<std::int64_t>(entry, key));
-}
 
 /// Nothing is added of an entry that is neither.
 void addMeasurement(Measurements& measurements, const std::string& key, const Dictionary& entry)

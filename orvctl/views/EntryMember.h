@@ -2,6 +2,7 @@
 
 #include "readings/Value.h"
 
+#include <cstdint>
 #include <string_view>
 
 namespace orv {
@@ -11,6 +12,12 @@ template <typename T> T member(const Dictionary& entry, std::string_view key)
 {
     const auto* content = entry.findAs<T>(key);
     return content ? *content : T{};
+}
+
+/// A speed of a fan's entry, in revolutions a minute.
+inline double speed(const Dictionary& entry, std::string_view key)
+{
+    return static_cast<double>(member<std::int64_t>(entry, key));
 }
 
 } // namespace orv

@@ -16,11 +16,6 @@ namespace orv {
 
 namespace {
 
-double speed(const Dictionary& entry, std::string_view key)
-{
-    return static_cast<double>(member<std::int64_t>(entry, key));
-}
-
 void addFigure(std::vector<Figure>& figures, std::string_view key, std::string_view title, std::string_view unit,
     const Value& value, double least = 0, double most = 0)
 {

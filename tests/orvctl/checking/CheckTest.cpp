@@ -1,5 +1,5 @@
 #include "orvctl/checking/Check.h"
-#include "platform/JSON.h"
+#include "tests/support/ParsedDictionary.h"
 
 #include <gtest/gtest.h>
 
@@ -20,7 +20,7 @@ constexpr const char* thermalText = R"({
 
 Dictionary thermal()
 {
-    auto reply = *parseJSON(thermalText)->as<Dictionary>();
+    auto reply = dictionary(thermalText);
     auto battery = *reply.findAs<Dictionary>("TB0T");
     battery.set("value", std::numeric_limits<double>::infinity());
     reply.set("TB0T", battery);
@@ -90,7 +90,7 @@ TEST(Check, WarnsOfARunningFanBelowItsMinimum)
     for (const auto& [speed, state] : cases) {
         const auto reply =
             std::string(R"({"F0Ac": {"title": "Fan", "type": "fans", "minvalue": 2160, "value": )") + speed + "}}";
-        EXPECT_EQ(check(*parseJSON(reply)->as<Dictionary>(), {}).state, state) << speed;
+        EXPECT_EQ(check(dictionary(reply), {}).state, state) << speed;
     }
 }
 

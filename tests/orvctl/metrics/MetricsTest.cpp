@@ -1,7 +1,7 @@
 #include "orvctl/metrics/Metrics.h"
 #include "orvctl/metrics/DeviceStandIns.h"
 #include "orvctl/metrics/MetricsText.h"
-#include "platform/JSON.h"
+#include "tests/support/ParsedDictionary.h"
 
 #include <gtest/gtest.h>
 
@@ -20,11 +20,6 @@ constexpr const char* thermal = R"({
 constexpr const char* bluetooth = R"({"watch-1": {"batteryLevel": 80.5, "note": "x"},
     "aa-bb-cc-dd-ee-01": {"batteryLevelRight": 41, "batteryLevelLeft": -1, "batteryLevelCase": 255}})";
 constexpr std::chrono::system_clock::time_point now(1'700'000'000'000ms);
-
-Dictionary dictionary(const char* text)
-{
-    return *parseJSON(text)->as<Dictionary>();
-}
 
 std::string metrics(const std::optional<ServiceTiming>& timing, DeviceNaming naming = DeviceNaming::keys)
 {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "orvctl/top/Top.h"
-#include "json/JSONReader.h"
+#include "tests/support/ParsedDictionary.h"
 
 #include <fmt/format.h>
 
@@ -9,12 +9,6 @@
 #include <vector>
 
 namespace orv {
-
-inline Dictionary dictionary(const std::string& text)
-{
-    std::string fault;
-    return *parseStrictJSON(text, fault)->as<Dictionary>();
-}
 
 inline std::string sensor(const std::string& key, const std::string& title, double degrees)
 {

@@ -2,7 +2,7 @@
 
 #include "orvctl/views/ColumnWidth.h"
 #include "orvctl/views/NaturalOrder.h"
-#include "json/JSONReader.h"
+#include "tests/support/ParsedDictionary.h"
 
 #include <gtest/gtest.h>
 
@@ -12,19 +12,9 @@
 
 using namespace orv;
 
-namespace {
-
-Dictionary reply(const std::string& text)
-{
-    std::string fault;
-    return *parseStrictJSON(text, fault)->as<Dictionary>();
-}
-
-} // namespace
-
 TEST(ThermalTable, GroupsBySensorInNaturalOrderAndNamesTheHottest)
 {
-    const auto given = reply(R"({
+    const auto given = dictionary(R"({
         "F1Ac": {"title": "Fan 10", "type": "fans", "unit": "rpm", "value": 0, "minvalue": 0, "maxvalue": 6500},
         "F0Ac": {"title": "Fan 2", "type": "fans", "unit": "rpm", "value": 2000, "minvalue": 1200, "maxvalue": 6500},
         "TC0P": {"title": "Core Performance 10", "type": "temperature", "unit": "celcius", "value": 47.55},
@@ -72,7 +62,7 @@ TEST(NaturalOrder, TakesDigitsForNumbersOfAnyLength)
 TEST(BluetoothTable, ShowsLevelsAndWhateverElseThereIs)
 {
     const auto table =
-        bluetoothTable(reply(R"({"watch-1": {"name": "Watch", "batteryLevel": 80, "more": [1.0, {"b": true}]},
+        bluetoothTable(dictionary(R"({"watch-1": {"name": "Watch", "batteryLevel": 80, "more": [1.0, {"b": true}]},
         "aa-bb": {"batteryLevelLeft": 90, "batteryLevel": 7}})"),
             Colour::off);
     EXPECT_EQ(table,
@@ -88,14 +78,16 @@ TEST(BluetoothTable, ShowsLevelsAndWhateverElseThereIs)
 TEST(Tables, FitInEightyColumnsAndMoveNoCursor)
 {
     const std::string longText(200, 'x');
-    const auto tables = bluetoothTable(reply(R"({")" + longText + R"(": {")" + longText + R"(": ")" + longText + R"("},
+    const auto tables =
+        bluetoothTable(dictionary(R"({")" + longText + R"(": {")" + longText + R"(": ")" + longText + R"("},
         "a\u001b[2J": {"b\n": "c\u009b"}, "ä": {"batteryLevelLeft": -9223372036854775808,
         "batteryLevelRight": -9223372036854775808, "batteryLevelCase": 1}})"),
-                            Colour::off)
-        + thermalTable(reply(R"({"F0Ac": {"title": ")" + longText + R"(", "type": "fans", "value": 9223372036854775807,
+            Colour::off)
+        + thermalTable(
+            dictionary(R"({"F0Ac": {"title": ")" + longText + R"(", "type": "fans", "value": 9223372036854775807,
         "minvalue": 9223372036854775807, "maxvalue": 1}, "T": {"title": "x", "type": "temperature", "value": 1e300},
-        "U": {"title": ")" + longText
-                           + R"(", "type": "temperature", "value": 1e301}})"),
+        "U": {"title": ")"
+                + longText + R"(", "type": "temperature", "value": 1e301}})"),
             Colour::off);
     std::istringstream lines(tables);
     for (std::string line; std::getline(lines, line);) {
@@ -110,16 +102,16 @@ TEST(Tables, CountColumnsAsATerminalDoes)
              {"\u6e29\u5ea6", 4}, {"\uff21", 2}, {"\U0001f5a5", 1}, {"\U0001f600", 2}, {"\u0e01\u0e33", 2}}) {
         EXPECT_EQ(columnCount(text), columns) << text;
         const auto device = text + std::string(34 - columns, 'x');
-        const auto table = bluetoothTable(reply("{\"" + device + R"(": {"batteryLevel": 7}})"), Colour::off);
+        const auto table = bluetoothTable(dictionary("{\"" + device + R"(": {"batteryLevel": 7}})"), Colour::off);
         EXPECT_NE(table.find("  " + device + std::string(37, ' ') + "7 %"), std::string::npos) << table;
     }
     std::string wide = "x"; // so that one of them would begin in the last column and end behind it
     for (int count = 0; count < 60; ++count)
         wide += "\u6e29";
     std::istringstream lines(
-        bluetoothTable(reply("{\"" + wide + "\": {\"" + wide + R"(": ")" + wide + "\"}}"), Colour::off)
+        bluetoothTable(dictionary("{\"" + wide + "\": {\"" + wide + R"(": ")" + wide + "\"}}"), Colour::off)
         + thermalTable(
-            reply(R"({"T": {"title": ")" + wide + R"(", "type": "temperature", "value": 40.0}})"), Colour::off));
+            dictionary(R"({"T": {"title": ")" + wide + R"(", "type": "temperature", "value": 40.0}})"), Colour::off));
     for (std::string line; std::getline(lines, line);)
         EXPECT_LE(columnCount(line), 80u) << line;
 }

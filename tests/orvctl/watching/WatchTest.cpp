@@ -1,7 +1,7 @@
 #include "orvctl/watching/Watch.h"
 
 #include "orvctl/watching/WallTime.h"
-#include "platform/JSON.h"
+#include "tests/support/ParsedDictionary.h"
 
 #include <gtest/gtest.h>
 
@@ -22,12 +22,6 @@ constexpr const char* thermalText = R"({
     "F1Ac": {"title": "Right Side", "type": "fans", "unit": "rpm", "value": 0, "minvalue": 0, "maxvalue": 5000}})";
 constexpr const char* bluetoothText = R"({"watch-1": {"batteryLevel": 80, "note": "x"},
     "aa-bb": {"batteryLevelRight": 41, "batteryLevelLeft": 40, "batteryLevelCase": 255}})";
-
-Dictionary dictionary(const std::string& text)
-{
-    const auto value = parseJSON(text);
-    return value && value->as<Dictionary>() ? *value->as<Dictionary>() : Dictionary();
-}
 
 Timing aged(std::chrono::microseconds age, bool isAsleep = false)
 {
