@@ -1,19 +1,15 @@
-#include "orvctl/CommandLine.h"
-#include "orvctl/HelpFormat.h"
 #include "orvctl/commands/Commands.h"
-#include "orvctl/commands/Version.h"
 #include "orvctl/views/Terminal.h"
 
 #include <exception>
-#include <memory>
+#include <string>
 
 namespace {
 
 // Whoever calls a check reads its line, and takes no other status for one that it could not make.
-int tellMisusedCommand(const CLI::App& application, const std::string& why)
+int tellMisused(const std::string& command, const std::string& why)
 {
-    return application.got_subcommand(orv::checkCommand) ? orv::tellCheckMisused(why)
-                                                         : orv::tellMisused(application, why);
+    return command == orv::checkCommand ? orv::tellCheckMisused(why) : orv::complain(why, 2);
 }
 
 } // namespace
@@ -21,15 +17,14 @@ int tellMisusedCommand(const CLI::App& application, const std::string& why)
 int main(int argumentCount, char** arguments)
 {
     using namespace orv;
-    CLI::App application("Shows what the helper service has measured.", "orvctl");
-    addVersion(application);
-    application.require_subcommand(1);
-    application.formatter(std::make_shared<HelpFormat>()); // before the commands, which take it over
-    application.footer("Example: orvctl thermal\nWhat a command takes: orvctl COMMAND --help");
+    Program program("orvctl", "Shows what the helper service has measured.");
+    addVersion(program);
+    program.requireCommand();
+    program.showExample("orvctl thermal\nWhat a command takes: orvctl COMMAND --help");
     Run run;
     for (const auto addCommand : allCommands)
-        addCommand(application, run);
-    if (const auto status = parseCommandLine(application, argumentCount, arguments, tellMisusedCommand))
+        addCommand(program, run);
+    if (const auto status = program.parse(argumentCount, arguments, tellMisused))
         return *status;
     try {
         return run();

@@ -5,11 +5,11 @@
 
 namespace orv {
 
-void addBluetooth(CLI::App& application, Run& run)
+void addBluetooth(Arguments& program, Run& run)
 {
-    auto* command = application.add_subcommand("bluetooth", "Battery levels of Bluetooth devices and watches");
-    command->footer("Example: orvctl bluetooth --json");
-    addReplyOptions(*command, run, Request::bluetooth, {bluetoothTable, bluetoothAge});
+    auto command = program.addCommand("bluetooth", "Battery levels of Bluetooth devices and watches");
+    command.showExample("orvctl bluetooth --json");
+    addReplyOptions(command, run, Request::bluetooth, {bluetoothTable, bluetoothAge});
 }
 
 } // namespace orv

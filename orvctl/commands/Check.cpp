@@ -97,24 +97,24 @@ int checkWhateverHappens(const Options& options)
 
 } // namespace
 
-void addCheck(CLI::App& application, Run& run)
+void addCheck(Arguments& program, Run& run)
 {
     const auto options = std::make_shared<Options>();
-    auto* command = application.add_subcommand(checkCommand, "Check this Mac as a monitoring plugin does");
-    auto* save =
-        command->add_option("--save", options->save, "Write which sensors and fans there are")->type_name("FILE");
-    command->add_option("--expect", options->expect, "A sensor that this file has must be there")
-        ->type_name("FILE")
-        ->excludes(save);
-    command->add_option("--warn", options->warnings, "A warning above this; may be repeated")
-        ->type_name("WHAT=N")
-        ->allow_extra_args(false);
-    command->add_option("--crit", options->criticals, "Critical above this; may be repeated")
-        ->type_name("WHAT=N")
-        ->allow_extra_args(false);
-    command->footer("Example: orvctl check --simulate machines/macbookpro-m1.json --warn cpu=95");
-    addSimulationOptions(*command, options->moment);
-    command->callback([=, &run] { run = [=] { return checkWhateverHappens(*options); }; });
+    auto command = program.addCommand(checkCommand, "Check this Mac as a monitoring plugin does");
+    const auto save =
+        command.addOption("--save", options->save, "Write which sensors and fans there are").named("FILE");
+    command.addOption("--expect", options->expect, "A sensor that this file has must be there")
+        .named("FILE")
+        .excludes(save);
+    command.addOption("--warn", options->warnings, "A warning above this; may be repeated")
+        .named("WHAT=N")
+        .oneValueEach();
+    command.addOption("--crit", options->criticals, "Critical above this; may be repeated")
+        .named("WHAT=N")
+        .oneValueEach();
+    command.showExample("orvctl check --simulate machines/macbookpro-m1.json --warn cpu=95");
+    addSimulationOptions(command, options->moment);
+    command.whenAsked([=, &run] { run = [=] { return checkWhateverHappens(*options); }; });
 }
 
 int tellCheckMisused(const std::string& why)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include "orvctl/arguments/Program.h"
 
 #include <array>
 #include <functional>
@@ -12,21 +12,24 @@ namespace orv {
 using Run = std::function<int()>;
 
 /// Adds a command with its options, and sets `run` when it was asked for.
-using AddCommand = void (*)(CLI::App& application, Run& run);
+using AddCommand = void (*)(Arguments& program, Run& run);
 
-void addThermal(CLI::App& application, Run& run);
-void addBluetooth(CLI::App& application, Run& run);
-void addWatch(CLI::App& application, Run& run);
-void addTop(CLI::App& application, Run& run);
-void addExplain(CLI::App& application, Run& run);
-void addRecord(CLI::App& application, Run& run);
-void addReplay(CLI::App& application, Run& run);
-void addPlot(CLI::App& application, Run& run);
-void addMetrics(CLI::App& application, Run& run);
-void addCheck(CLI::App& application, Run& run);
-void addCompletion(CLI::App& application, Run& run);
+void addThermal(Arguments& program, Run& run);
+void addBluetooth(Arguments& program, Run& run);
+void addWatch(Arguments& program, Run& run);
+void addTop(Arguments& program, Run& run);
+void addExplain(Arguments& program, Run& run);
+void addRecord(Arguments& program, Run& run);
+void addReplay(Arguments& program, Run& run);
+void addPlot(Arguments& program, Run& run);
+void addMetrics(Arguments& program, Run& run);
+void addCheck(Arguments& program, Run& run);
+void addCompletion(Arguments& program, Run& run);
 
 inline constexpr const char* checkCommand = "check";
+/// Adds --version, which --json makes a document of the schema orv.version/1.
+void addVersion(Program& program);
+
 /// Prints the line of a check whose arguments cannot be used, and returns its exit status.
 int tellCheckMisused(const std::string& why);
 

@@ -1,7 +1,6 @@
 #include "orvctl/collecting/SimulatedInspection.h"
 #include "orvctl/commands/Commands.h"
 #include "orvctl/commands/ShowReply.h"
-#include "orvctl/completion/CommandWords.h"
 #include "orvctl/views/ExplanationJSON.h"
 #include "orvctl/views/ExplanationText.h"
 #include "orvctl/views/Terminal.h"
@@ -62,19 +61,19 @@ int explainMac(const Options& options)
 
 } // namespace
 
-void addExplain(CLI::App& application, Run& run)
+void addExplain(Arguments& program, Run& run)
 {
-    auto* command = application.add_subcommand("explain", "Why each sensor, device and watch is shown or missing");
+    auto command = program.addCommand("explain", "Why each sensor, device and watch is shown or missing");
     const auto options = std::make_shared<Options>();
-    command->add_option("WHAT", options->subjects, "Keys, titles, devices, addresses or parts of them")
-        ->check(suggest({"temperatures", "fans", "hid", "bluetooth", "watch"}))
-        ->option_text(" ");
-    auto* missing = command->add_flag("--missing", options->missing, "Only what is missing");
-    command->add_flag("--shown", options->shown, "Only what is shown")->excludes(missing);
-    command->add_flag("--json", options->json, "Print the explanation as JSON (schema orv.explain/1)");
-    addSimulationOptions(*command, options->moment);
-    command->footer("Example: orvctl explain gpu mouse");
-    command->callback([=, &run] { run = [=] { return explainMac(*options); }; });
+    command.addOption("WHAT", options->subjects, "Keys, titles, devices, addresses or parts of them")
+        .suggests({"temperatures", "fans", "hid", "bluetooth", "watch"})
+        .withoutValueInHelp();
+    const auto missing = command.addFlag("--missing", options->missing, "Only what is missing");
+    command.addFlag("--shown", options->shown, "Only what is shown").excludes(missing);
+    command.addFlag("--json", options->json, "Print the explanation as JSON (schema orv.explain/1)");
+    addSimulationOptions(command, options->moment);
+    command.showExample("orvctl explain gpu mouse");
+    command.whenAsked([=, &run] { run = [=] { return explainMac(*options); }; });
 }
 
 } // namespace orv

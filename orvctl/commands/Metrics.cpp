@@ -61,15 +61,15 @@ int writeMetrics(const Options& options)
 
 } // namespace
 
-void addMetrics(CLI::App& application, Run& run)
+void addMetrics(Arguments& program, Run& run)
 {
     const auto options = std::make_shared<Options>();
-    auto* command = application.add_subcommand("metrics", "All readings as Prometheus and OpenMetrics read them");
-    command->add_option("-o,--output", options->path, "Replace this file; - for standard output")->type_name("FILE");
-    command->add_flag("--addresses", options->addresses, "Name devices by their addresses, not by stand-ins");
-    command->footer("Example: orvctl metrics --simulate machines/macbookpro-m1.json");
-    addSimulationOptions(*command, options->moment);
-    command->callback([=, &run] { run = [=] { return writeMetrics(*options); }; });
+    auto command = program.addCommand("metrics", "All readings as Prometheus and OpenMetrics read them");
+    command.addOption("-o,--output", options->path, "Replace this file; - for standard output").named("FILE");
+    command.addFlag("--addresses", options->addresses, "Name devices by their addresses, not by stand-ins");
+    command.showExample("orvctl metrics --simulate machines/macbookpro-m1.json");
+    addSimulationOptions(command, options->moment);
+    command.whenAsked([=, &run] { run = [=] { return writeMetrics(*options); }; });
 }
 
 } // namespace orv

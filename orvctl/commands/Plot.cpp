@@ -137,36 +137,34 @@ std::optional<PlotMoment> parseMoment(const std::string& text)
 }
 
 void addPlotMoment(
-    CLI::App& command, const std::string& name, std::optional<PlotMoment>& moment, const std::string& does)
+    Arguments& command, const std::string& name, std::optional<PlotMoment>& moment, const std::string& does)
 {
-    const auto take = [&moment](const CLI::results_t& texts) {
-        moment = parseMoment(texts.front());
+    const auto take = [&moment](const std::string& text) {
+        moment = parseMoment(text);
         return moment.has_value();
     };
     const auto fault = [](const std::string& text) -> std::string {
         return parseMoment(text) ? "" : "not a time such as 90, 10m or 2026-11-21T22:10Z";
     };
-    command.add_option(name, take, does)->type_name("T")->check(fault);
+    command.addOption(name, take, does).named("T").checkedBy(fault);
 }
 
 } // namespace
 
-void addPlot(CLI::App& application, Run& run)
+void addPlot(Arguments& program, Run& run)
 {
     const auto options = std::make_shared<Options>();
-    auto* command = application.add_subcommand("plot", "Draw a recording, or a csv of watch, as an SVG picture");
-    command->add_option("FILE", options->path, "What to draw")->required();
-    command->add_option("-o,--output", options->output, "Where to write; - for standard output")
-        ->type_name("FILE")
-        ->required();
-    command->add_option("--only", options->plan.chosen, "Draw what has this key or title; may be repeated")
-        ->type_name("KEY|TITLE")
-        ->allow_extra_args(false);
-    addPlotMoment(*command, "--from", options->plan.from, "From here on: 90, 10m, or a time of day of a csv");
-    addPlotMoment(*command, "--to", options->plan.to, "Up to here");
-    command->add_flag("--force", options->replaces, "Replace a file that is there");
-    command->footer("Example: orvctl plot day.json -o temps.svg");
-    command->callback([=, &run] { run = [=] { return plot(*options); }; });
+    auto command = program.addCommand("plot", "Draw a recording, or a csv of watch, as an SVG picture");
+    command.addOption("FILE", options->path, "What to draw").required();
+    command.addOption("-o,--output", options->output, "Where to write; - for standard output").named("FILE").required();
+    command.addOption("--only", options->plan.chosen, "Draw what has this key or title; may be repeated")
+        .named("KEY|TITLE")
+        .oneValueEach();
+    addPlotMoment(command, "--from", options->plan.from, "From here on: 90, 10m, or a time of day of a csv");
+    addPlotMoment(command, "--to", options->plan.to, "Up to here");
+    command.addFlag("--force", options->replaces, "Replace a file that is there");
+    command.showExample("orvctl plot day.json -o temps.svg");
+    command.whenAsked([=, &run] { run = [=] { return plot(*options); }; });
 }
 
 } // namespace orv

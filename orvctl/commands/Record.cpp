@@ -130,18 +130,18 @@ int record(const Options& options)
 
 } // namespace
 
-void addRecord(CLI::App& application, Run& run)
+void addRecord(Arguments& program, Run& run)
 {
     const auto options = std::make_shared<Options>();
-    auto* command = application.add_subcommand("record", "Write this Mac's sensors into a file, to be replayed");
-    command->add_option("--simulate", options->machinePath, "Record the Mac of a machine file or recording")
-        ->type_name("FILE");
-    command->add_option("-o,--output", options->path, "Where to write; - for standard output")->type_name("FILE");
-    command->add_option("--for", options->length, "For so long (30m, 24h) instead of one moment")->type_name("TIME");
-    command->add_option("--every", options->interval, "At this interval (5s)")->type_name("TIME");
-    command->add_flag("--force", options->replaces, "Replace a file that is there");
-    command->footer("Example: orvctl record --for 24h -o day.json");
-    command->callback([=, &run] { run = [=] { return record(*options); }; });
+    auto command = program.addCommand("record", "Write this Mac's sensors into a file, to be replayed");
+    command.addOption("--simulate", options->machinePath, "Record the Mac of a machine file or recording")
+        .named("FILE");
+    command.addOption("-o,--output", options->path, "Where to write; - for standard output").named("FILE");
+    command.addOption("--for", options->length, "For so long (30m, 24h) instead of one moment").named("TIME");
+    command.addOption("--every", options->interval, "At this interval (5s)").named("TIME");
+    command.addFlag("--force", options->replaces, "Replace a file that is there");
+    command.showExample("orvctl record --for 24h -o day.json");
+    command.whenAsked([=, &run] { run = [=] { return record(*options); }; });
 }
 
 } // namespace orv

@@ -1,7 +1,7 @@
 #include "orvctl/collecting/Replay.h"
 
 #include "orvctl/commands/Commands.h"
-#include "orvctl/commands/MomentOption.h"
+#include "orvctl/commands/ShowReply.h"
 #include "orvctl/views/Interruption.h"
 #include "orvctl/views/Progress.h"
 #include "orvctl/views/Terminal.h"
@@ -30,19 +30,19 @@ int replayRecording(ReplayPlan plan)
 
 } // namespace
 
-void addReplay(CLI::App& application, Run& run)
+void addReplay(Arguments& program, Run& run)
 {
     const auto plan = std::make_shared<ReplayPlan>();
-    auto* command = application.add_subcommand("replay", "Play a recording, one line of JSON for each refresh");
-    command->add_option("RECORDING", plan->path, "What to play")->required();
-    addMomentOption(*command, "--from", plan->from, "Print from so many seconds on");
-    addMomentOption(*command, "--to", plan->to, "Play up to so many seconds");
+    auto command = program.addCommand("replay", "Play a recording, one line of JSON for each refresh");
+    command.addOption("RECORDING", plan->path, "What to play").required();
+    takingMoment(command.addOption("--from", plan->from, "Print from so many seconds on"));
+    takingMoment(command.addOption("--to", plan->to, "Play up to so many seconds"));
     const auto thermal = std::make_shared<bool>(false);
     const auto bluetooth = std::make_shared<bool>(false);
-    auto* onlyThermal = command->add_flag("--thermal", *thermal, "Temperatures and fans alone");
-    command->add_flag("--bluetooth", *bluetooth, "Battery levels alone")->excludes(onlyThermal);
-    command->footer("Example: orvctl replay day.json --thermal --to 3600");
-    command->callback([=, &run] {
+    const auto onlyThermal = command.addFlag("--thermal", *thermal, "Temperatures and fans alone");
+    command.addFlag("--bluetooth", *bluetooth, "Battery levels alone").excludes(onlyThermal);
+    command.showExample("orvctl replay day.json --thermal --to 3600");
+    command.whenAsked([=, &run] {
         plan->showsThermal = !*bluetooth;
         plan->showsBluetooth = !*thermal;
         run = [=] { return replayRecording(*plan); };

@@ -1,7 +1,6 @@
 #include "orvctl/commands/ShowReply.h"
 
 #include "orvctl/collecting/SimulatedClient.h"
-#include "orvctl/commands/MomentOption.h"
 #include "json/JSONWriter.h"
 
 #include <memory>
@@ -30,19 +29,25 @@ int show(Request request, const ReplyView& view, const Options& options)
 
 } // namespace
 
-void addSimulationOptions(CLI::App& command, SimulatedMoment& moment)
+void addSimulationOptions(Arguments& command, SimulatedMoment& moment)
 {
-    auto* simulate = command.add_option("--simulate", moment.path, "The Mac of a machine file, without any service")
-                         ->type_name("FILE");
-    addMomentOption(command, "--at", moment.at, "With --simulate: so many seconds into a recording")->needs(simulate);
+    const auto simulate =
+        command.addOption("--simulate", moment.path, "The Mac of a machine file, without any service").named("FILE");
+    takingMoment(command.addOption("--at", moment.at, "With --simulate: so many seconds into a recording"))
+        .needs(simulate);
 }
 
-void addReplyOptions(CLI::App& command, Run& run, Request request, const ReplyView& view)
+Option takingMoment(Option option)
+{
+    return option.named("SECONDS").inRange(0, 1e9, "not a number of seconds from 0 to 1000000000");
+}
+
+void addReplyOptions(Arguments& command, Run& run, Request request, const ReplyView& view)
 {
     const auto options = std::make_shared<Options>();
-    command.add_flag("--json", options->json, "Print the reply exactly, as JSON");
+    command.addFlag("--json", options->json, "Print the reply exactly, as JSON");
     addSimulationOptions(command, options->moment);
-    command.callback([=, &run] { run = [=] { return show(request, view, *options); }; });
+    command.whenAsked([=, &run] { run = [=] { return show(request, view, *options); }; });
 }
 
 } // namespace orv

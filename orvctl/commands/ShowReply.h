@@ -16,9 +16,12 @@ struct ReplyView {
 };
 
 /// Gives a command that can collect from a file the options that say from which and at which moment.
-void addSimulationOptions(CLI::App& command, SimulatedMoment& moment);
+void addSimulationOptions(Arguments& command, SimulatedMoment& moment);
+
+/// For an option that takes a moment of a recording.
+Option takingMoment(Option option);
 
 /// Gives a command that shows one reply its options: as a table or as JSON, of the service or of a machine file.
-void addReplyOptions(CLI::App& command, Run& run, Request request, const ReplyView& view);
+void addReplyOptions(Arguments& command, Run& run, Request request, const ReplyView& view);
 
 } // namespace orv

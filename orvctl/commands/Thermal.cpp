@@ -7,16 +7,16 @@
 
 namespace orv {
 
-void addThermal(CLI::App& application, Run& run)
+void addThermal(Arguments& program, Run& run)
 {
-    auto* command = application.add_subcommand("thermal", "Temperatures and fans");
+    auto command = program.addCommand("thermal", "Temperatures and fans");
     const auto isFlat = std::make_shared<bool>(false);
-    command->add_flag("--flat", *isFlat, "One list by title, without groups");
+    command.addFlag("--flat", *isFlat, "One list by title, without groups");
     const auto table = [isFlat](const Dictionary& reply, Colour colour) {
         return *isFlat ? flatThermalTable(reply, colour) : thermalTable(reply, colour);
     };
-    command->footer("Example: orvctl thermal --simulate machines/macbookpro-m1.json");
-    addReplyOptions(*command, run, Request::thermal, {table, thermalAge});
+    command.showExample("orvctl thermal --simulate machines/macbookpro-m1.json");
+    addReplyOptions(command, run, Request::thermal, {table, thermalAge});
 }
 
 } // namespace orv

@@ -1,7 +1,7 @@
 #include "explain/ThisMac.h"
 #include "orvctl/collecting/SimulatedClient.h"
 #include "orvctl/commands/Commands.h"
-#include "orvctl/commands/MomentOption.h"
+#include "orvctl/commands/ShowReply.h"
 #include "orvctl/views/Terminal.h"
 #include "platform/ProgramPaths.h"
 
@@ -53,17 +53,18 @@ int showTop(const Options& options)
 
 } // namespace
 
-void addTop(CLI::App& application, Run& run)
+void addTop(Arguments& program, Run& run)
 {
-    auto* command = application.add_subcommand("top", "A full-screen view of what changes, until it is ended");
+    auto command = program.addCommand("top", "A full-screen view of what changes, until it is ended");
     const auto options = std::make_shared<Options>();
-    auto* simulate =
-        command->add_option("--simulate", options->moment.path, "The Mac of a machine file; a recording is played")
-            ->type_name("FILE");
-    addMomentOption(*command, "--at", options->moment.at, "With --simulate: from so many seconds on")->needs(simulate);
-    command->add_flag("--ascii", options->isASCII, "Draw with ASCII characters alone");
-    command->footer("Example: orvctl top --simulate machines/macbookpro-m1.json");
-    command->callback([=, &run] { run = [=] { return showTop(*options); }; });
+    const auto simulate =
+        command.addOption("--simulate", options->moment.path, "The Mac of a machine file; a recording is played")
+            .named("FILE");
+    takingMoment(command.addOption("--at", options->moment.at, "With --simulate: from so many seconds on"))
+        .needs(simulate);
+    command.addFlag("--ascii", options->isASCII, "Draw with ASCII characters alone");
+    command.showExample("orvctl top --simulate machines/macbookpro-m1.json");
+    command.whenAsked([=, &run] { run = [=] { return showTop(*options); }; });
 }
 
 } // namespace orv

@@ -1,8 +1,9 @@
-#include "orvctl/commands/Version.h"
+#include "orvctl/commands/Commands.h"
 
 #include "json/JSONWriter.h"
 
 #include <memory>
+#include <sstream>
 #include <string>
 #include <utility>
 
@@ -14,7 +15,8 @@ namespace {
 std::string versionDocument()
 {
     Array schemas;
-    for (const auto& name : CLI::detail::split(ORV_SCHEMAS, ','))
+    std::istringstream names(ORV_SCHEMAS);
+    for (std::string name; std::getline(names, name, ',');)
         schemas.push_back(name);
     Dictionary document;
     document.set("schema", std::string("orv.version/1"));
@@ -25,13 +27,12 @@ std::string versionDocument()
 
 } // namespace
 
-void addVersion(CLI::App& application)
+void addVersion(Program& program)
 {
     const auto json = std::make_shared<bool>(false);
-    auto* asJSON = application.add_flag("--json", *json, "With --version: as JSON, with all schemas");
-    auto* version = application.set_version_flag(
-        "--version", [json] { return *json ? versionDocument() : "orvctl " ORV_VERSION; }, "Show the version");
-    asJSON->needs(version);
+    auto asJSON = program.addFlag("--json", *json, "With --version: as JSON, with all schemas");
+    const auto text = [json] { return *json ? versionDocument() : "orvctl " ORV_VERSION; };
+    asJSON.needs(program.addVersion(text, "Show the version"));
 }
 
 } // namespace orv

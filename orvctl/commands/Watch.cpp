@@ -44,20 +44,20 @@ int watch(const Options& options)
 
 } // namespace
 
-void addWatch(CLI::App& application, Run& run)
+void addWatch(Arguments& program, Run& run)
 {
-    auto* command = application.add_subcommand("watch", "One output for each refresh, until it is ended");
+    auto command = program.addCommand("watch", "One output for each refresh, until it is ended");
     const auto options = std::make_shared<Options>();
-    command->add_option("--format", options->format, "table (unless given), jsonl, csv, waybar or i3bar")
-        ->type_name("FORMAT")
-        ->check(CLI::IsMember({"table", "jsonl", "csv", "waybar", "i3bar"}));
-    command->add_option("--only", options->chosen, "What has this key or title; may be repeated")
-        ->type_name("KEY|TITLE")
-        ->allow_extra_args(false);
-    command->add_option("--simulate", options->machinePath, "A machine file or recording, without any service")
-        ->type_name("FILE");
-    command->footer("Example: orvctl watch --only \"CPU Proximity\" --format csv");
-    command->callback([=, &run] { run = [=] { return watch(*options); }; });
+    command.addOption("--format", options->format, "table (unless given), jsonl, csv, waybar or i3bar")
+        .named("FORMAT")
+        .oneOf({"table", "jsonl", "csv", "waybar", "i3bar"});
+    command.addOption("--only", options->chosen, "What has this key or title; may be repeated")
+        .named("KEY|TITLE")
+        .oneValueEach();
+    command.addOption("--simulate", options->machinePath, "A machine file or recording, without any service")
+        .named("FILE");
+    command.showExample("orvctl watch --only \"CPU Proximity\" --format csv");
+    command.whenAsked([=, &run] { run = [=] { return watch(*options); }; });
 }
 
 } // namespace orv

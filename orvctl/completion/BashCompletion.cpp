@@ -1,5 +1,7 @@
 #include "orvctl/completion/Completion.h"
 
+#include <utility>
+
 namespace orv {
 
 namespace {
@@ -58,10 +60,10 @@ std::string wordsAfter(const CommandWords& command)
 
 } // namespace
 
-std::string bashCompletion(const CLI::App& program)
+std::string bashCompletion(const Arguments& program)
 {
     auto top = wordsOf(program);
-    top.name.clear();
+    const auto name = std::exchange(top.name, {});
     const auto commands = commandsOf(program);
     top.arguments.words = commandNames(commands);
     std::string script = beginning;
@@ -71,7 +73,7 @@ std::string bashCompletion(const CLI::App& program)
         script += wordsAfter(command);
     }
     script += wordsAfter(top) + end;
-    return CLI::detail::find_and_replace(script, "PROGRAM", program.get_name());
+    return replaced(script, "PROGRAM", name);
 }
 
 } // namespace orv

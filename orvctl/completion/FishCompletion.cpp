@@ -16,7 +16,7 @@ complete -c PROGRAM -f
 
 std::string quoted(const std::string& text)
 {
-    return "'" + CLI::detail::find_and_replace(CLI::detail::find_and_replace(text, "\\", "\\\\"), "'", "\\'") + "'";
+    return "'" + replaced(replaced(text, "\\", "\\\\"), "'", "\\'") + "'";
 }
 
 std::string taken(const Taken& value)
@@ -57,18 +57,19 @@ std::string commandLines(const CommandWords& command)
 
 } // namespace
 
-std::string fishCompletion(const CLI::App& program)
+std::string fishCompletion(const Arguments& program)
 {
     std::string script = beginning;
     const std::string atTop = "complete -c PROGRAM -n '__PROGRAM_command \"\"'";
-    for (const auto& option : wordsOf(program).options)
+    const auto top = wordsOf(program);
+    for (const auto& option : top.options)
         script += optionLine(atTop, option);
     const auto commands = commandsOf(program);
     for (const auto& command : commands)
         script += atTop + " -a " + command.name + " -d " + quoted(command.description) + "\n";
     for (const auto& command : commands)
         script += commandLines(command);
-    return CLI::detail::find_and_replace(script, "PROGRAM", program.get_name());
+    return replaced(script, "PROGRAM", top.name);
 }
 
 } // namespace orv

@@ -48,7 +48,7 @@ std::string escaped(const std::string& text)
             result += '\\';
         result += character;
     }
-    return CLI::detail::find_and_replace(result, "'", "'\\''");
+    return replaced(result, "'", "'\\''");
 }
 
 std::string taken(const Taken& value)
@@ -96,16 +96,17 @@ std::string commandCase(const CommandWords& command)
 
 } // namespace
 
-std::string zshCompletion(const CLI::App& program)
+std::string zshCompletion(const Arguments& program)
 {
+    const auto top = wordsOf(program);
     const auto commands = commandsOf(program);
-    std::string script = beginning + argumentsCall(wordsOf(program), "  ") + " \\\n" + commandsBeginning;
+    std::string script = beginning + argumentsCall(top, "  ") + " \\\n" + commandsBeginning;
     for (const auto& command : commands)
         script += "      '" + escaped(command.name) + ":" + escaped(command.description) + "'\n";
     script += argumentsBeginning;
     for (const auto& command : commands)
         script += commandCase(command);
-    return CLI::detail::find_and_replace(script + end, "PROGRAM", program.get_name());
+    return replaced(script + end, "PROGRAM", top.name);
 }
 
 } // namespace orv

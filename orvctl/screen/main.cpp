@@ -1,4 +1,4 @@
-#include "orvctl/CommandLine.h"
+#include "orvctl/arguments/Program.h"
 #include "orvctl/screen/RecordingFeed.h"
 #include "orvctl/screen/ServiceFeed.h"
 #include "orvctl/screen/Session.h"
@@ -49,14 +49,15 @@ int top(const Options& options)
 // Started by orvctl, which has read the arguments and knows this machine.
 int main(int argumentCount, char** arguments)
 {
-    CLI::App application("The full-screen view of orvctl top.", "orvctl");
+    Program program("orvctl", "The full-screen view of orvctl top.");
     Options options;
-    application.add_option("--simulate", options.moment.path);
-    application.add_option("--at", options.moment.at);
-    application.add_option("--machine", options.machine);
-    application.add_option("--orvctl", options.orvctl);
-    application.add_flag("--ascii", options.isASCII);
-    if (const auto status = parseCommandLine(application, argumentCount, arguments))
+    program.addOption("--simulate", options.moment.path, "");
+    program.addOption("--at", options.moment.at, "");
+    program.addOption("--machine", options.machine, "");
+    program.addOption("--orvctl", options.orvctl, "");
+    program.addFlag("--ascii", options.isASCII, "");
+    const auto tellMisused = [](const std::string&, const std::string& why) { return complain(why, 2); };
+    if (const auto status = program.parse(argumentCount, arguments, tellMisused))
         return *status;
     try {
         return top(options);

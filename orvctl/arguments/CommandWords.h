@@ -1,6 +1,6 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include "orvctl/arguments/Arguments.h"
 
 #include <string>
 #include <vector>
@@ -31,14 +31,14 @@ struct CommandWords {
 };
 
 /// What may be written after a program's name or a command's: its options, and whatever it takes besides. A set of
-/// words is one that the option checks for, or that `suggest` gave it.
-CommandWords wordsOf(const CLI::App& command);
+/// words is one that the option takes or suggests.
+CommandWords wordsOf(const Arguments& command);
 
 /// Every command of a program, in its order.
-std::vector<CommandWords> commandsOf(const CLI::App& program);
+std::vector<CommandWords> commandsOf(const Arguments& program);
 
-/// Lets completion offer these words, while any other is taken too.
-CLI::Validator suggest(const std::vector<std::string>& words);
+/// Every `part` of a text replaced.
+std::string replaced(const std::string& text, const std::string& part, const std::string& by);
 
 /// With a blank between.
 std::string joined(const std::vector<std::string>& words);

@@ -1,4 +1,6 @@
-#include "orvctl/completion/CommandWords.h"
+#include "orvctl/arguments/CommandWords.h"
+
+#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <sstream>
@@ -43,9 +45,7 @@ std::string shortened(const std::string& description)
     return description.substr(0, description.find_first_of(";\n"));
 }
 
-} // namespace
-
-CommandWords wordsOf(const CLI::App& command)
+CommandWords wordsOfParser(const CLI::App& command)
 {
     CommandWords words{command.get_name(), shortened(command.get_description()), {}, {}};
     for (const auto* option : command.get_options()) {
@@ -57,17 +57,24 @@ CommandWords wordsOf(const CLI::App& command)
     return words;
 }
 
-std::vector<CommandWords> commandsOf(const CLI::App& program)
+} // namespace
+
+CommandWords wordsOf(const Arguments& command)
+{
+    return wordsOfParser(command.declared());
+}
+
+std::vector<CommandWords> commandsOf(const Arguments& program)
 {
     std::vector<CommandWords> commands;
-    for (const auto* command : program.get_subcommands({}))
-        commands.push_back(wordsOf(*command));
+    for (const auto* command : program.declared().get_subcommands({}))
+        commands.push_back(wordsOfParser(*command));
     return commands;
 }
 
-CLI::Validator suggest(const std::vector<std::string>& words)
+std::string replaced(const std::string& text, const std::string& part, const std::string& by)
 {
-    return CLI::Validator([](std::string&) { return std::string(); }, "{" + CLI::detail::join(words, ",") + "}");
+    return CLI::detail::find_and_replace(text, part, by);
 }
 
 std::string joined(const std::vector<std::string>& words)
