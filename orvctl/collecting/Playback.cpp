@@ -18,6 +18,12 @@ namespace {
 constexpr double historyTime = 600;
 constexpr double interval = OrvSMCHelperServer::reloadInterval.count();
 
+/// So far before a moment that what is heard on the way to it fills a history.
+double beginningFor(double moment)
+{
+    return std::floor(std::max(moment - historyTime, 0.0) / interval) * interval;
+}
+
 } // namespace
 
 /// One run of a Mac, from some moment on.
@@ -99,29 +105,29 @@ Playback::~Playback() = default;
 
 std::unique_ptr<Playback> Playback::open(const SimulatedMoment& moment, Heard heard, std::string& fault)
 {
-    if (!openSimulatedMac(moment, fault)) // says what is to be said of the file
+    auto mac = openSimulatedMac({moment.path, beginningFor(moment.at)}, fault);
+    if (mac && moment.at > mac->recording.length())
+        fault = beyondTheEnd(*moment.path, mac->recording.length());
+    if (!mac || !fault.empty())
         return nullptr;
     std::unique_ptr<Playback> playback(new Playback(*moment.path, std::move(heard)));
-    return playback->seek(moment.at, fault) ? std::move(playback) : nullptr;
+    playback->play(std::move(mac), moment.at);
+    return playback;
 }
 
-bool Playback::begin(double moment, std::string& fault)
+void Playback::play(std::unique_ptr<RecordedMac> mac, double moment)
 {
-    auto mac = RecordedMac::open(path, fault);
-    if (!mac)
-        return false;
     played.reset();
-    played = std::make_unique<Played>(std::move(mac), moment, heard);
-    return true;
+    played = std::make_unique<Played>(std::move(mac), beginningFor(moment), heard);
+    playTo(moment);
 }
 
 bool Playback::seek(double moment, std::string& fault)
 {
-    const auto from = std::floor(std::max(moment - historyTime, 0.0) / interval) * interval;
-    if (!begin(from, fault))
-        return false;
-    playTo(moment);
-    return true;
+    auto mac = RecordedMac::open(path, fault);
+    if (mac)
+        play(std::move(mac), moment);
+    return mac != nullptr;
 }
 
 void Playback::playTo(double moment)

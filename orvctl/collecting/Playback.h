@@ -9,6 +9,8 @@
 
 namespace orv {
 
+struct RecordedMac;
+
 /// A recording, or the Mac of a machine file, that is played through the whole server: on, or from another moment.
 /// Times are seconds since its beginning. Main thread only.
 class Playback {
@@ -36,7 +38,7 @@ private:
     class Played;
 
     Playback(std::string path, Heard heard);
-    bool begin(double moment, std::string& fault);
+    void play(std::unique_ptr<RecordedMac> mac, double moment);
 
     const std::string path;
     const Heard heard;
