@@ -79,6 +79,12 @@ std::optional<RecordingStep> Recording::next()
     return readStep(ignored);
 }
 
+bool Recording::rewind()
+{
+    previous = 0;
+    return lines.goBack(firstStep);
+}
+
 std::string Recording::profilerOutputAt(double moment)
 {
     auto output = firstMoment.profilerOutput;
@@ -90,6 +96,7 @@ std::string Recording::profilerOutputAt(double moment)
 Recording::Recording(MachineFile machine, LineReader followingLines)
     : firstMoment(std::move(machine))
     , lines(std::move(followingLines))
+    , firstStep(lines.mark())
 {
     if (!firstMoment.smc)
         return;
@@ -135,11 +142,9 @@ std::optional<RecordingStep> Recording::readStep(std::string& fault)
 // Reads all steps once and goes back to the first.
 bool Recording::lookThrough(std::string& fault)
 {
-    const auto firstStep = lines.mark();
     while (const auto step = readStep(fault))
         lastMoment = step->at;
-    previous = 0;
-    if (fault.empty() && !lines.goBack(firstStep))
+    if (fault.empty() && !rewind())
         fault = std::strerror(errno);
     return fault.empty();
 }

@@ -42,6 +42,9 @@ public:
     /// The next step; nothing at the end.
     std::optional<RecordingStep> next();
 
+    /// Goes back to the first step. False, and errno says why, when the file cannot be read again.
+    bool rewind();
+
     /// What the profiler prints at a moment. Takes the steps up to it.
     std::string profilerOutputAt(double moment);
 
@@ -54,6 +57,7 @@ private:
     MachineFile firstMoment;
     LineReader lines;
     std::set<std::uint32_t> keys;
+    LineReader::Mark firstStep;
     double previous = 0;
     double lastMoment = 0;
     std::string cutNotice;

@@ -7,8 +7,10 @@
 #include "thermal/ZpSystemInfo.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cmath>
+#include <cstring>
 #include <utility>
 
 namespace orv {
@@ -117,17 +119,21 @@ std::unique_ptr<Playback> Playback::open(const SimulatedMoment& moment, Heard he
 
 void Playback::play(std::unique_ptr<RecordedMac> mac, double moment)
 {
-    played.reset();
     played = std::make_unique<Played>(std::move(mac), beginningFor(moment), heard);
     playTo(moment);
 }
 
 bool Playback::seek(double moment, std::string& fault)
 {
-    auto mac = RecordedMac::open(path, fault);
-    if (mac)
-        play(std::move(mac), moment);
-    return mac != nullptr;
+    auto& recording = played->mac->recording;
+    if (!recording.rewind()) {
+        fault = path + ": " + std::strerror(errno);
+        return false;
+    }
+    auto rewound = std::move(recording);
+    played.reset(); // before the next, of which there is one at a time
+    play(std::make_unique<RecordedMac>(std::move(rewound)), moment);
+    return true;
 }
 
 void Playback::playTo(double moment)

@@ -25,7 +25,7 @@ public:
     /// Plays up to a moment that lies ahead.
     void playTo(double moment);
     /// Begins anew, so far before a moment that what is heard on the way to it fills a history. False when the file
-    /// cannot be used any more; `fault` then is one line.
+    /// cannot be read again; `fault` then is one line.
     bool seek(double moment, std::string& fault);
 
     double position() const;

@@ -80,12 +80,19 @@ TEST(Recording, IsReadUpToItsLastWholeLine)
     for (auto size = machine.size() - 1; size <= whole.size(); ++size) {
         const TemporaryFile file(whole.substr(0, size));
         std::string fault;
-        const auto recording = Recording::open(file.path, fault);
+        auto recording = Recording::open(file.path, fault);
         ASSERT_TRUE(recording) << size << fault;
         EXPECT_EQ(recording->length(), size < endOfFirst ? 0 : size < whole.size() ? 5 : 7.5) << size;
         const bool isWhole =
             size <= machine.size() || size == endOfFirst || size == endOfFirst + 1 || size == whole.size();
         EXPECT_EQ(recording->notice().empty(), isWhole) << size;
+        for (int time = 0; time < 2; ++time) {
+            double last = 0;
+            while (const auto step = recording->next())
+                last = step->at;
+            EXPECT_EQ(last, recording->length()) << size;
+            EXPECT_TRUE(recording->rewind());
+        }
     }
     for (std::size_t size = 0; size < machine.size() - 1; size += 9) {
         const TemporaryFile file(whole.substr(0, size));
