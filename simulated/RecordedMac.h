@@ -26,11 +26,18 @@ struct RecordedMac {
     RecordedMac(const RecordedMac&) = delete;
     RecordedMac& operator=(const RecordedMac&) = delete;
 
-    /// Nothing when the file cannot be used; `fault` then is one line.
-    static std::unique_ptr<RecordedMac> open(const std::string& path, std::string& fault)
+    /// The Mac as it is at a moment. Nothing when the file cannot be used; `fault` then is one line.
+    static std::unique_ptr<RecordedMac> open(const std::string& path, std::string& fault, double moment = 0)
     {
-        auto recording = Recording::open(path, fault);
-        return recording ? std::make_unique<RecordedMac>(std::move(*recording)) : nullptr;
+        auto begun = Recording::begin(path, fault);
+        if (!begun)
+            return nullptr;
+        auto mac = std::make_unique<RecordedMac>(std::move(*begun));
+        mac->player.skipTo(moment);
+        if (mac->recording.lookThrough())
+            return mac;
+        fault = mac->recording.fault();
+        return nullptr;
     }
 
     Recording recording;

@@ -28,6 +28,11 @@ std::string lineFault(std::size_t number, const std::string& what)
     return "line " + std::to_string(number) + ": " + what;
 }
 
+std::string inFile(const std::string& path, const std::string& fault)
+{
+    return path + ": " + fault + "; see orv-machine-file(5)";
+}
+
 std::string readFault()
 {
     return errno == EFBIG ? "the line is too long" : std::strerror(errno);
@@ -58,25 +63,53 @@ std::optional<std::string> firstObject(LineReader& lines, std::string& fault)
 
 std::optional<Recording> Recording::open(const std::string& path, std::string& fault)
 {
+    auto recording = begin(path, fault);
+    if (!recording || recording->lookThrough())
+        return recording;
+    fault = recording->fault();
+    return std::nullopt;
+}
+
+std::optional<Recording> Recording::begin(const std::string& path, std::string& fault)
+{
     auto file = openRegularFile(path);
     if (!file) {
         fault = path + ": " + std::strerror(errno);
         return std::nullopt;
     }
-    auto recording = readFirstMoment(std::move(file), fault);
-    if (!recording || !recording->lookThrough(fault)) {
-        fault = path + ": " + fault + "; see orv-machine-file(5)";
-        return std::nullopt;
-    }
-    if (!recording->cutNotice.empty())
-        recording->cutNotice = path + ": " + recording->cutNotice;
-    return recording;
+    LineReader lines(std::move(file));
+    const auto text = firstObject(lines, fault);
+    auto machine = text ? parseMachine(*text, fault) : std::nullopt;
+    if (machine)
+        return Recording(path, std::move(*machine), std::move(lines));
+    fault = inFile(path, fault);
+    return std::nullopt;
 }
 
+bool Recording::lookThrough()
+{
+    const auto place = lines.mark();
+    const auto before = previous;
+    while (next()) { }
+    previous = before;
+    if (stepFault.empty() && !lines.goBack(place))
+        stepFault = inFile(path, std::strerror(errno));
+    return stepFault.empty();
+}
+
+// Nothing from a fault on, nor at the end, which a last line without a newline may be that was cut off.
 std::optional<RecordingStep> Recording::next()
 {
-    std::string ignored; // every line could be used when the recording was opened
-    return readStep(ignored);
+    if (!stepFault.empty())
+        return std::nullopt;
+    auto line = lines.next(longestStep);
+    while (line && isBlank(*line))
+        line = lines.next(longestStep);
+    if (line)
+        return read(*line);
+    if (errno != 0)
+        refuse(lines.lineNumber() + 1, readFault());
+    return std::nullopt;
 }
 
 bool Recording::rewind()
@@ -93,8 +126,9 @@ std::string Recording::profilerOutputAt(double moment)
     return output;
 }
 
-Recording::Recording(MachineFile machine, LineReader followingLines)
-    : firstMoment(std::move(machine))
+Recording::Recording(std::string givenPath, MachineFile machine, LineReader followingLines)
+    : path(std::move(givenPath))
+    , firstMoment(std::move(machine))
     , lines(std::move(followingLines))
     , firstStep(lines.mark())
 {
@@ -104,49 +138,29 @@ Recording::Recording(MachineFile machine, LineReader followingLines)
         keys.insert(row.key);
 }
 
-std::optional<Recording> Recording::readFirstMoment(FileDescriptor file, std::string& fault)
+std::optional<RecordingStep> Recording::read(std::string_view line)
 {
-    LineReader lines(std::move(file));
-    const auto text = firstObject(lines, fault);
-    auto machine = text ? parseMachine(*text, fault) : std::nullopt;
-    return machine ? std::optional(Recording(std::move(*machine), std::move(lines))) : std::nullopt;
-}
-
-// Nothing at the end, which a last line without a newline may be that was cut off, and for a fault.
-std::optional<RecordingStep> Recording::readStep(std::string& fault)
-{
-    auto line = lines.next(longestStep);
-    while (line && isBlank(*line))
-        line = lines.next(longestStep);
-    if (!line) {
-        if (errno != 0)
-            fault = lineFault(lines.lineNumber() + 1, readFault());
-        return std::nullopt;
-    }
     std::string why;
-    const auto value = parseStrictJSON(*line, why);
+    const auto value = parseStrictJSON(line, why);
     if (!value && !lines.isLineEnded()) {
-        cutNotice = "line " + std::to_string(lines.lineNumber()) + " was cut off; what stands before it is used";
+        cutNotice =
+            path + ": line " + std::to_string(lines.lineNumber()) + " was cut off; what stands before it is used";
         return std::nullopt;
     }
     StepReader reader(keys, firstMoment.hid.size(), previous);
     auto step = value ? reader.read(*value) : RecordingStep();
     if (!value || !reader.fault.empty()) {
-        fault = lineFault(lines.lineNumber(), printableASCII(value ? reader.fault : why));
+        refuse(lines.lineNumber(), printableASCII(value ? reader.fault : why));
         return std::nullopt;
     }
     previous = step.at;
+    lastMoment = std::max(lastMoment, step.at);
     return step;
 }
 
-// Reads all steps once and goes back to the first.
-bool Recording::lookThrough(std::string& fault)
+void Recording::refuse(std::size_t line, const std::string& what)
 {
-    while (const auto step = readStep(fault))
-        lastMoment = step->at;
-    if (fault.empty() && !rewind())
-        fault = std::strerror(errno);
-    return fault.empty();
+    stepFault = inFile(path, lineFault(line, what));
 }
 
 } // namespace orv

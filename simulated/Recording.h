@@ -8,6 +8,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -33,13 +34,20 @@ public:
     /// the line or member and what is wrong, and what describes such files.
     static std::optional<Recording> open(const std::string& path, std::string& fault);
 
+    /// The same, but looks at nothing after the machine.
+    static std::optional<Recording> begin(const std::string& path, std::string& fault);
+    /// Whether all that follows the last step can be used, and whether all before could. Stays at that step.
+    bool lookThrough();
+    /// One line about the first step that cannot be used, once that was reached.
+    const std::string& fault() const { return stepFault; }
+
     const MachineFile& machine() const { return firstMoment; }
-    /// Seconds from its beginning to its last step.
+    /// Seconds from its beginning to its last step, once that was reached.
     double length() const { return lastMoment; }
     /// One line that says where a file that was cut off ends; empty for a whole one.
     const std::string& notice() const { return cutNotice; }
 
-    /// The next step; nothing at the end.
+    /// The next step; nothing at the end or at a fault.
     std::optional<RecordingStep> next();
 
     /// Goes back to the first step. False, and errno says why, when the file cannot be read again.
@@ -49,11 +57,11 @@ public:
     std::string profilerOutputAt(double moment);
 
 private:
-    Recording(MachineFile machine, LineReader lines);
-    static std::optional<Recording> readFirstMoment(FileDescriptor file, std::string& fault);
-    std::optional<RecordingStep> readStep(std::string& fault);
-    bool lookThrough(std::string& fault);
+    Recording(std::string path, MachineFile machine, LineReader lines);
+    std::optional<RecordingStep> read(std::string_view line);
+    void refuse(std::size_t line, const std::string& what);
 
+    std::string path;
     MachineFile firstMoment;
     LineReader lines;
     std::set<std::uint32_t> keys;
@@ -61,6 +69,7 @@ private:
     double previous = 0;
     double lastMoment = 0;
     std::string cutNotice;
+    std::string stepFault;
 };
 
 } // namespace orv

@@ -24,9 +24,12 @@ int print(const std::string& report)
 int printSimulatedReport(const char* path, double moment)
 {
     std::string fault;
-    auto recording = Recording::open(path, fault);
+    auto recording = Recording::begin(path, fault);
+    const auto report = recording ? recording->profilerOutputAt(moment) : std::string();
+    if (recording && recording->fault().empty())
+        return print(report);
     if (recording)
-        return print(recording->profilerOutputAt(moment));
+        fault = recording->fault();
     std::fprintf(stderr, "system_profiler: %s\n", fault.c_str());
     return 2;
 }

@@ -8,7 +8,7 @@ namespace orv {
 
 std::unique_ptr<RecordedMac> openSimulatedMac(const SimulatedMoment& moment, std::string& fault)
 {
-    auto mac = RecordedMac::open(*moment.path, fault);
+    auto mac = RecordedMac::open(*moment.path, fault, moment.at);
     if (!mac)
         return nullptr;
     if (!mac->recording.notice().empty())
@@ -17,7 +17,6 @@ std::unique_ptr<RecordedMac> openSimulatedMac(const SimulatedMoment& moment, std
         fault = beyondTheEnd(*moment.path, mac->recording.length());
         return nullptr;
     }
-    mac->player.skipTo(moment.at);
     return mac;
 }
 

@@ -19,11 +19,17 @@ const std::string machine = R"({"format": 1, "description": "a } in a text \" {"
   "hid": [{"locationID": 1416638569, "temperature": 41.5}], "bluetooth": "first", "watch": "{}"}
 )";
 
+// The same one before and after a moment to which a recording is played.
 std::string faultOf(const std::string& steps)
 {
     const TemporaryFile file(machine + steps);
     std::string fault;
     EXPECT_FALSE(Recording::open(file.path, fault)) << steps;
+    for (const double moment : {0.0, 5.0, 1e9}) {
+        std::string later;
+        EXPECT_FALSE(RecordedMac::open(file.path, later, moment)) << steps;
+        EXPECT_EQ(later, fault) << moment;
+    }
     EXPECT_TRUE(fault.starts_with(file.path + ": ")) << fault;
     return fault.substr(file.path.size() + 2);
 }
