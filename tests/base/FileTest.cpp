@@ -1,16 +1,12 @@
 #include "base/File.h"
-#include "base/ReplacedFile.h"
 
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -76,34 +72,4 @@ TEST_F(Files, HaveAFirstLine)
     for (const auto text : {"one"sv, "one\n"sv, "one\0\n"sv, "one\n\0"sv})
         EXPECT_EQ(firstLine(text), "one");
     EXPECT_EQ(firstLine("\none"), "");
-}
-
-// What stands beside the place is another's while that lives, and nobody's once it was killed.
-TEST_F(Files, BesideThePlaceAreRemovedAfterAKilledWriter)
-{
-    const auto place = folder / "orv.prom";
-    const auto count = [&] { return std::distance(std::filesystem::directory_iterator(folder), {}); };
-    for (int killed = 0; killed < 3; ++killed) {
-        const auto writer = fork();
-        if (writer == 0) {
-            ReplacedFile file(place);
-            _exit(file.open(0644) && file.write("half") ? 0 : 1);
-        }
-        int status = 0;
-        waitpid(writer, &status, 0);
-        EXPECT_EQ(status, 0);
-        EXPECT_EQ(count(), 1);
-    }
-    {
-        ReplacedFile slow(place);
-        ReplacedFile abandoned(place);
-        EXPECT_TRUE(slow.open(0600) && abandoned.open(0600) && slow.write("slow"));
-        EXPECT_EQ(replaceFile(place, "quick"), "");
-        EXPECT_EQ(readFile(place, 5), "quick");
-        EXPECT_FALSE(slow.moveToPlace(false));
-        EXPECT_EQ(errno, EEXIST);
-        EXPECT_TRUE(slow.moveToPlace(true));
-    }
-    EXPECT_EQ(readFile(place, 5), "slow");
-    EXPECT_EQ(count(), 1);
 }

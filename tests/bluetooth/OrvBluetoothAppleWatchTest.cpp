@@ -1,5 +1,6 @@
 #include "bluetooth/OrvBluetoothAppleWatch.h"
 
+#include "bluetooth/WatchFile.h"
 #include "platform/Bundle.h"
 #include "tests/support/TestMac.h"
 
@@ -77,6 +78,35 @@ TEST_F(WatchReader, KeepsTheLastEntriesWhenTheFileTurnsBad)
     write(tooLong.substr(0, 1u << 20));
     mac.runLoop.advance(Seconds(40));
     EXPECT_TRUE(reader->systemBlueToothDictionary.empty());
+}
+
+TEST_F(WatchReader, SaysWhatIsInTheWay)
+{
+    const auto& bundle = mac.simulation.bundle;
+    companionWorks = false;
+    TestMac other(watchText);
+    EXPECT_EQ(readWatchFile(other.simulation.bundle).outcome, WatchFileOutcome::noContainer);
+    struct Case {
+        const char* content;
+        WatchFileOutcome outcome;
+        const char* member = "";
+        std::optional<std::size_t> faultPosition = std::nullopt;
+    };
+    using enum WatchFileOutcome;
+    const Case cases[]{{R"({"a": x})", notJSON, "", 7}, {"[]", notObjects}, {R"({"a": {}, "b": 5})", notObjects, "b"},
+        {R"({"a": {}})", read}};
+    for (const auto& [content, outcome, member, faultPosition] : cases) {
+        write(content);
+        const auto file = readWatchFile(bundle);
+        EXPECT_EQ(file.outcome, outcome) << content;
+        EXPECT_EQ(file.path, reader->watchBatteryFileURL());
+        EXPECT_EQ(file.bytes, content);
+        EXPECT_EQ(file.member, member) << content;
+        EXPECT_EQ(file.faultPosition, faultPosition) << content;
+        EXPECT_EQ(file.entries.size(), outcome == read ? 1u : 0u) << content;
+    }
+    std::filesystem::remove(*reader->watchBatteryFileURL());
+    EXPECT_EQ(readWatchFile(bundle).outcome, noFile);
 }
 
 TEST_F(WatchReader, StartsNoCycleWhileTheComputerSleepsAndEndsTheOneUnderWay)

@@ -83,6 +83,20 @@ TEST(BluetoothReport, LowersAsciiLettersOnly)
     EXPECT_TRUE(result.contains("Äaz@[`{09-İ"));
 }
 
+TEST(DeviceAddress, HasSixGroupsOfTwoDigits)
+{
+    struct Case {
+        const char* text;
+        bool isAddress;
+    };
+    const Case cases[]{{"00:19:af:AF:90:99", true}, {"00-19-af-AF:90:99", true}, {"00:19:af:AF:90:9", false},
+        {"00:19:af:AF:90:999", false}, {"00:19:af:AF:90/99", false}, {"00:19:af:AF:9g:99", false},
+        {"00:19:af:A`:90:99", false}, {"00:19:@f:AF:90:99", false}, {"00:19:Gf:AF:90:99", false},
+        {"/0:19:af:AF:90:99", false}, {"00:1::af:AF:90:99", false}, {"00019:af:AF:90:99", false}, {"", false}};
+    for (const auto& [text, isAddress] : cases)
+        EXPECT_EQ(isDeviceAddress(text), isAddress) << text;
+}
+
 TEST(IntegerValue, ReadsTheNumberAtTheStart)
 {
     struct Case {

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 
 using namespace orv;
@@ -30,16 +31,18 @@ TEST(JSONReader, RefusesEqualKeysInAFileOfAPerson)
 
 TEST(JSONWriter, WritesEachKindOfValue)
 {
+    constexpr auto infinite = std::numeric_limits<double>::infinity();
     Array numbers;
-    for (const double number :
-        {40.0, 0.1, 38.2 + 1e-15, -0.0, 1e22, 1e-7, 5e-324, std::numeric_limits<double>::infinity()})
+    for (const double number : {40.0, 0.1, 38.2 + 1e-15, -0.0, 1e22, 1e-7, 5e-324, infinite, -infinite, std::nan("")})
         numbers.emplace_back(number);
-    EXPECT_EQ(
-        writeJSON(Value(std::move(numbers)), KeyOrder::sorted), "[40.0, 0.1, 38.2, -0.0, 1e+22, 1e-07, 5e-324, 1e999]");
-    const auto text = R"({"b": [true, false, null, -1, 18446744073709551615], "a": "ä\"\\\u0001/\u007f"})";
+    EXPECT_EQ(writeJSON(Value(std::move(numbers)), KeyOrder::sorted, Spacing::none),
+        "[40.0,0.1,38.2,-0.0,1e+22,1e-07,5e-324,1e999,-1e999,null]");
+    const auto text = R"({"b": [true, false, null, -1, 18446744073709551615], "a": "ä\"\\\u001f /\u007f"})";
     std::string fault;
     const auto value = parseStrictJSON(text, fault);
     EXPECT_EQ(writeJSON(*value, KeyOrder::asListed),
-        "{\"b\": [true, false, null, -1, 18446744073709551615], \"a\": \"ä\\\"\\\\\\u0001/\x7F\"}");
+        "{\"b\": [true, false, null, -1, 18446744073709551615], \"a\": \"ä\\\"\\\\\\u001f /\x7F\"}");
+    EXPECT_EQ(writeJSON(Dictionary({{"b", Array()}, {"a", Dictionary()}}), KeyOrder::asListed, Spacing::none),
+        R"({"b":[],"a":{}})");
     EXPECT_EQ(writeJSON(*value, KeyOrder::sorted).find("\"a\""), 1u);
 }

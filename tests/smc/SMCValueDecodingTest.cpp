@@ -64,24 +64,27 @@ TEST(DecodeValue, WantsTheSizeOfEachType)
     struct Row {
         const char* type;
         std::uint32_t size;
+        std::size_t used;
         std::optional<double> number; // of the bytes 12 34 56 42
     };
-    const std::array<Row, 31> rows{{{"flt ", 4, flt}, {"fp1f", 2, 4660.0 / 32768}, {"fp4c", 2, 4660.0 / 4096},
-        {"fp5b", 2, 4660.0 / 2048}, {"fp6a", 2, 4660.0 / 1024}, {"fp79", 2, 4660.0 / 512}, {"fp88", 2, 4660.0 / 256},
-        {"fpa6", 2, 4660.0 / 64}, {"fpc4", 2, 4660.0 / 16}, {"fpe2", 2, 4660.0 / 4}, {"sp1e", 2, 4660.0 / 16384},
-        {"sp3c", 2, 4660.0 / 4096}, {"sp4b", 2, 4660.0 / 2048}, {"sp5a", 2, 4660.0 / 1024}, {"sp69", 2, 4660.0 / 512},
-        {"sp78", 2, 4660.0 / 256}, {"sp87", 2, 4660.0 / 128}, {"sp96", 2, 4660.0 / 64}, {"spb4", 2, 4660.0 / 16},
-        {"spf0", 2, 4660.0}, {"ui8 ", any, 18.0}, {"ui16", any, 4660.0}, {"ui32", any, 305419842.0}, {"si8 ", any, {}},
-        {"si16", any, {}}, {"{pwm", any, {}}, {"{lso", any, {}}, {"{ala", any, {}}, {"flag", any, {}},
-        {"{fds", any, {}}, {"ch8*", any, {}}}};
+    const std::array<Row, 31> rows{{{"flt ", 4, 4, flt}, {"fp1f", 2, 2, 4660.0 / 32768}, {"fp4c", 2, 2, 4660.0 / 4096},
+        {"fp5b", 2, 2, 4660.0 / 2048}, {"fp6a", 2, 2, 4660.0 / 1024}, {"fp79", 2, 2, 4660.0 / 512},
+        {"fp88", 2, 2, 4660.0 / 256}, {"fpa6", 2, 2, 4660.0 / 64}, {"fpc4", 2, 2, 4660.0 / 16},
+        {"fpe2", 2, 2, 4660.0 / 4}, {"sp1e", 2, 2, 4660.0 / 16384}, {"sp3c", 2, 2, 4660.0 / 4096},
+        {"sp4b", 2, 2, 4660.0 / 2048}, {"sp5a", 2, 2, 4660.0 / 1024}, {"sp69", 2, 2, 4660.0 / 512},
+        {"sp78", 2, 2, 4660.0 / 256}, {"sp87", 2, 2, 4660.0 / 128}, {"sp96", 2, 2, 4660.0 / 64},
+        {"spb4", 2, 2, 4660.0 / 16}, {"spf0", 2, 2, 4660.0}, {"ui8 ", any, 1, 18.0}, {"ui16", any, 2, 4660.0},
+        {"ui32", any, 4, 305419842.0}, {"si8 ", any, 0, {}}, {"si16", any, 0, {}}, {"{pwm", any, 0, {}},
+        {"{lso", any, 0, {}}, {"{ala", any, 0, {}}, {"flag", any, 0, {}}, {"{fds", any, 0, {}}, {"ch8*", any, 0, {}}}};
     ASSERT_EQ(rows.size(), smcValueFormats.size());
     for (std::size_t index = 0; index < rows.size(); ++index) {
-        const auto& [type, size, number] = rows[index];
+        const auto& [type, size, used, number] = rows[index];
         EXPECT_EQ(smcValueFormats[index].code, type);
         for (const std::uint32_t reported : {0u, 1u, 2u, 3u, 4u, 5u, 32u}) {
             const bool fits = reported != 0 && (size == any || reported == size);
-            EXPECT_EQ(decodeValue(value(type, reported, {0x12, 0x34, 0x56, 0x42})), fits ? number : std::nullopt)
-                << type << " of " << reported << " bytes";
+            const auto val = value(type, reported, {0x12, 0x34, 0x56, 0x42});
+            EXPECT_EQ(decodeValue(val), fits ? number : std::nullopt) << type << " of " << reported << " bytes";
+            EXPECT_EQ(bytesOfNumber(val), fits ? used : 0) << type << " of " << reported << " bytes";
         }
     }
 }
