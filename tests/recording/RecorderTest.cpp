@@ -205,3 +205,62 @@ TEST(Recorder, PutsEventsAndReportsWhereTheyBegan)
     test.recorder.end();
     EXPECT_EQ(test.newLines(), "{\"at\":57}\n");
 }
+
+TEST(Recorder, WaitsForItsFirstReportAQuarterOfAMinute)
+{
+    RecordedTest test(intelText(R"({"key": "TC0P", "type": "sp78", "bytes": "2f80"})"));
+    test.recorder.begin(Seconds(100));
+    test.mac.runLoop.advance(Seconds(14.999));
+    EXPECT_EQ(test.newLines(), "");
+    test.mac.runLoop.advance(Seconds(0.001));
+    EXPECT_TRUE(test.newLines().ends_with("\"bluetooth\": \"\"\n}\n"));
+    EXPECT_TRUE(test.recorder.isSettled());
+    test.mac.runLoop.advance(Seconds(5));
+    test.mac.launcher.finish("{}");
+    test.mac.runLoop.runPending();
+    EXPECT_EQ(test.newLines(), "{\"at\":20,\"bluetooth\":{}}\n");
+}
+
+TEST(Recorder, BeginsWithTheWholeMachine)
+{
+    RecordedTest test(machineText("MacBookAir10,1", "Apple M1",
+        R"({"key": "TB0T", "type": "sp78", "bytes": "1e00"}, {"key": "F0Ac", "type": "fpe2", "bytes": "1f40"},
+        {"key": "NAMa", "type": "ch8*", "bytes": "4a4a"}, {"key": "TaSN", "type": "ch8*", "bytes": "4a4a"})",
+        R"({"locationID": 1416638569, "temperature": 41.5}, {"locationID": 1416638825.0}, {"locationID": "Jane"},
+        {"locationID": 1416638313}, {"locationID": 1515870810, "temperature": 1})")); // Tp0i, Tp1i, -, Tp/i, ZZZZ
+    test.mac.simulation.bundle.setWatchFile(R"({"Jane": {}})");
+    test.begin("[]");
+    EXPECT_EQ(test.newLines(), R"json({
+  "format": 1,
+  "description": "MacBookAir10,1 (Apple M1)",
+  "sysctl": {"hw.model":"MacBookAir10,1","machdep.cpu.brand_string":"Apple M1","hw.perflevel0.logicalcpu":4,"hw.perflevel1.logicalcpu":4},
+  "smc": [
+    {"key":"TB0T","type":"sp78","bytes":"1e00"},
+    {"key":"F0Ac","type":"fpe2","bytes":"1f40"},
+    {"key":"NAMa","type":"ch8*","bytes":"0000"},
+    {"key":"TaSN","type":"ch8*","bytes":"0000"}
+  ],
+  "hid": [
+    {"locationID":1416638569,"temperature":41.5},
+    {"locationID":1416638825},
+    {},
+    {"locationID":1},
+    {"locationID":1,"temperature":1.0}
+  ],
+  "bluetooth": [],
+  "watch": {"00-00-00-00-00-01":{}}
+}
+)json");
+    test.mac.simulation.mac.setTemperature("Tp0i", 42);
+    test.mac.simulation.bundle.setWatchFile(std::nullopt);
+    test.mac.runLoop.advance(Seconds(2.5));
+    test.mac.simulation.bluetoothEvents.changePairing();
+    test.mac.runLoop.advance(Seconds(2.5));
+    test.mac.launcher.finish("");
+    test.mac.runLoop.runPending();
+    EXPECT_EQ(test.newLines(),
+        "{\"at\":2.5,\"event\":\"pair\"}\n{\"at\":2.5,\"bluetooth\":null}\n"
+        "{\"at\":5,\"hid\":{\"0\":42.0},\"watch\":null}\n");
+    EXPECT_EQ(test.recorder.summary(),
+        "2 keys with their values, 2 zeroed, 5 HID services, 1 names and addresses replaced, 3 later moments");
+}

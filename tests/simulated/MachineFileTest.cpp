@@ -63,6 +63,50 @@ TEST(MachineFile, RefusesWhatItCannotUseAndNamesTheMember)
     EXPECT_EQ(fault, "/nonexistent/machine.json: No such file or directory");
 }
 
+TEST(MachineFile, TakesWhatLiesAtItsLimits)
+{
+    std::string fault;
+    const auto bytes = "00099aAfF0" + std::string(54, '9');
+    const auto machine =
+        parseMachine(R"({"sysctl": {"a": -2147483648, "b": 4294967295}, "exchangeDelay": 60000, "smc": [{"key": "   ~",
+        "type": "\u0000\u007f\u0080\u00ff", "bytes": ")"
+                + bytes + R"(", "size": 4294967295, "fails": true}, {"key": "TAAA", "size": 0}],
+        "hid": [{"locationID": 18446744073709551615, "temperature": 18446744073709551615}, {"locationID": 1.5},
+        {"locationID": "text"}]})",
+            fault);
+    ASSERT_TRUE(machine) << fault;
+    EXPECT_EQ(machine->systemValues.at("a"), std::string("\0\0\0\x80", 4));
+    EXPECT_EQ(machine->systemValues.at("b"), "\xFF\xFF\xFF\xFF");
+    EXPECT_EQ(machine->exchangeDelay.count(), 60000);
+    EXPECT_EQ(machine->profilerOutput, R"({"SPBluetoothDataType": []})");
+    const auto& [name, type, readings, size, fails] = machine->smc->front();
+    EXPECT_EQ(name, fourCharCode("   ~"));
+    EXPECT_EQ(type, 0x007F80FFu);
+    EXPECT_EQ(readings.front().bytes, std::string("\x00\x09\x9a\xaf\xf0", 5) + std::string(27, '\x99'));
+    EXPECT_EQ(size, 4294967295u);
+    EXPECT_TRUE(fails);
+    EXPECT_EQ(machine->smc->back().size, 0u);
+    EXPECT_EQ(machine->smc->back().type, 0u);
+    EXPECT_FALSE(machine->smc->back().fails);
+    EXPECT_EQ(machine->smc->back().readings.size(), 1u);
+    EXPECT_EQ(machine->hid.front().temperature, 18446744073709551616.0);
+    EXPECT_EQ(faultOf(R"("exchangeDelay": 60000.5)"), "exchangeDelay: not a number from 0 to 60000 (milliseconds)");
+    EXPECT_EQ(faultOf(R"("hid": {})"), "hid: not a list");
+    EXPECT_EQ(rowFault("5"), "smc[1]: not an object");
+    EXPECT_EQ(rowFault(R"({"key": "TA0P", "size": -1})"), "smc[1].size: not a whole number from 0 to 4294967295");
+    for (const auto* key : {"\\u001f", "\\u007f", "\\ud800"})
+        EXPECT_FALSE(rowFault(R"({"key": "TA0)" + std::string(key) + "\"}").empty()) << key;
+    for (const auto* digits : {"0/", "0:", "0@", "0G", "0`", "0g"})
+        EXPECT_EQ(
+            rowFault(R"({"key": "TA0P", "bytes": ")" + std::string(digits) + "\"}"), "smc[1].bytes: not hexadecimal");
+    for (const auto* number : {"-2147483649", "4294967296"}) {
+        EXPECT_FALSE(parseMachine(R"({"sysctl": {"a": )" + std::string(number) + "}}", fault));
+        EXPECT_EQ(fault, "sysctl.a: not a whole number from -2147483648 to 4294967295");
+    }
+    EXPECT_FALSE(parseMachine(R"({"sysctl": []})", fault));
+    EXPECT_EQ(fault, "sysctl: not an object");
+}
+
 TEST(MachineFile, PrintsTheProfilersReportAsItStands)
 {
     std::string fault;

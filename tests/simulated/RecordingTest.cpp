@@ -42,6 +42,22 @@ std::string bytesOf(SimulatedMac& mac, const char* key)
         : "fails";
 }
 
+struct Listener final : SleepWakeObserver {
+    explicit Listener(SimulatedPlatform& listened)
+        : simulation(listened)
+    {
+        simulation.workspace.registerSleepWakeObservers(*this);
+        simulation.bluetoothEvents.observe([this] { told += "connect "; }, [this] { told += "pair "; });
+    }
+    ~Listener() override { simulation.workspace.removeSleepWakeObservers(*this); }
+
+    void workspaceDidWakeUp() override { told += "wake "; }
+    void workspaceWillSleep() override { told += "sleep "; }
+
+    SimulatedPlatform& simulation;
+    std::string told;
+};
+
 } // namespace
 
 TEST(Recording, RefusesAStepThatCannotBeUsedAndNamesItsLine)
@@ -61,19 +77,39 @@ TEST(Recording, RefusesAStepThatCannotBeUsedAndNamesItsLine)
         {"{\"at\": 5, \"hid\": {\"-0\": 40}}\n", "line 5: hid.-0: the machine has no such service"},
         {"{\"at\": 5, \"hid\": {\"0\": \"40\"}}\n", "line 5: hid.0: neither a number nor null"},
         {"{\"at\": 5, \"event\": \"woke\"}\n", "line 5: event: none of sleep, wake, connect and pair"},
+        {"{\"at\": 1000000000.1}\n", "line 5: at: not a number from 0 to 1000000000 (seconds)"},
+        {"{\"at\": 5, \"hid\": []}\n", "line 5: hid: not an object"},
+        {"{\"at\": 5, \"hid\": {\"000000000\": 40}}\n", "line 5: hid.000000000: the machine has no such service"},
+        {"{\"at\": 5, \"hid\": {\"\": 40}}\n", "line 5: hid.: the machine has no such service"},
+        {"{\"at\": 5, \"hid\": {\"0:\": 40}}\n", "line 5: hid.0:: the machine has no such service"},
         {"x\n{\"at\": 5}\n", "line 5: "},
     };
     for (const auto& [steps, fault] : cases)
         EXPECT_EQ(faultOf(steps).substr(0, fault.size()), fault) << steps;
 }
 
+TEST(Recording, RefusesALineThatIsTooLong)
+{
+    const std::string step = "{\"at\": 5}";
+    const std::string longest = step + std::string((16u << 20) - step.size(), ' ');
+    EXPECT_EQ(faultOf(longest + " \n"), "line 5: the line is too long; see orv-machine-file(5)");
+    EXPECT_EQ(faultOf(longest + "\n{}\n"), "line 6: at: required, but not there; see orv-machine-file(5)");
+    const TemporaryFile file(R"({"sysctl": {}} {"at": 5})");
+    std::string fault;
+    EXPECT_FALSE(Recording::open(file.path, fault));
+    EXPECT_EQ(fault, file.path + ": line 1: something follows the machine on its last line; see orv-machine-file(5)");
+}
+
 TEST(Recording, RefusesALaterFormatByItsNumber)
 {
-    std::string fault;
-    EXPECT_FALSE(parseMachine(R"({"format": 2, "sysctl": {}})", fault));
-    EXPECT_EQ(fault, "format: 2 is newer than this program, which knows 1");
-    EXPECT_FALSE(parseMachine(R"({"format": "1", "sysctl": {}})", fault));
-    EXPECT_EQ(fault, "format: not a whole number from 1 on");
+    const char* later = "format: 2 is newer than this program, which knows 1";
+    const char* none = "format: not a whole number from 1 on";
+    for (const auto& [format, expected] :
+        {std::pair("1", ""), std::pair("2", later), std::pair("0", none), std::pair("\"1\"", none)}) {
+        std::string fault;
+        parseMachine(R"({"sysctl": {}, "format": )" + std::string(format) + "}", fault);
+        EXPECT_EQ(fault, expected) << format;
+    }
 }
 
 // Wherever it is cut, what stands before the cut is read, and the reader says when a line is not whole.
@@ -141,4 +177,48 @@ TEST(Recording, IsPlayedStepByStepAheadOfWhatIsDueAtTheSameMoment)
     mac->player.playTo(10, mac->runLoop);
     EXPECT_EQ(seen, "fails33,0{\"a\": 1}");
     EXPECT_EQ(bytesOf(mac->simulation.mac, "F0Ac"), "32,0");
+}
+
+TEST(Recording, IsSkippedToAMomentAndThenTellsOnlyOfASleepUnderWay)
+{
+    const TemporaryFile file(machine + R"({"at": 5, "smc": {"TB0T": "2000"}, "event": "sleep"}
+{"at": 7, "event": "connect"}
+{"at": 9, "smc": {"TB0T": "2100"}, "bluetooth": "second", "event": "wake"}
+{"at": 11, "bluetooth": null, "event": "pair"}
+)");
+    struct Case {
+        double moment;
+        const char* bytes;
+        const char* report;
+        const char* told;
+        const char* later;
+    };
+    const Case cases[]{{4.9, "30,0", "first", "", "sleep connect wake pair "},
+        {5, "32,0", "first", "sleep ", "connect wake pair "}, {8.9, "32,0", "first", "sleep ", "wake pair "},
+        {9, "33,0", "second", "", "pair "}, {11, "33,0", "", "", ""}};
+    for (const auto& [moment, bytes, report, told, later] : cases) {
+        std::string fault;
+        const auto mac = RecordedMac::open(file.path, fault);
+        ASSERT_TRUE(mac) << fault;
+        Listener listener(mac->simulation);
+        mac->player.skipTo(moment);
+        EXPECT_EQ(mac->player.position(), moment);
+        EXPECT_EQ(bytesOf(mac->simulation.mac, "TB0T"), bytes) << moment;
+        EXPECT_EQ(mac->simulation.profilerOutput, report) << moment;
+        EXPECT_EQ(Recording::open(file.path, fault)->profilerOutputAt(moment), report) << moment;
+        EXPECT_EQ(listener.told, "") << moment;
+        mac->player.begin();
+        EXPECT_EQ(std::exchange(listener.told, ""), told) << moment;
+        mac->player.playTo(20, mac->runLoop);
+        EXPECT_EQ(listener.told, later) << moment;
+        EXPECT_EQ(mac->player.position(), 20);
+
+        const auto another = RecordedMac::open(file.path, fault);
+        Listener realTime(another->simulation);
+        another->player.skipTo(moment);
+        another->player.start(another->runLoop);
+        EXPECT_EQ(std::exchange(realTime.told, ""), told) << moment;
+        another->runLoop.advance(Seconds(60)); // its clock runs ahead of the real one
+        EXPECT_EQ(realTime.told, later) << moment;
+    }
 }

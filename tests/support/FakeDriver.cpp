@@ -55,6 +55,7 @@ FileDescriptor FakeDriver::open(const std::string& path, Access access)
     }
     FileDescriptor descriptor(::open("/dev/null", O_RDWR | O_CLOEXEC));
     opened[descriptor.get()] = {path, generation};
+    ++opens;
     return descriptor;
 }
 

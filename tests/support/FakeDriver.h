@@ -27,6 +27,7 @@ public:
     std::map<std::string, std::string> files; // by path
     std::map<std::string, int> refusals; // the errors that reading some of them ends with
     std::vector<std::string> looks; // what was asked for its existence
+    int opens = 0; // of files
     std::vector<Key> keys;
     std::size_t index = 0;
     bool isWritable = true;

@@ -65,6 +65,11 @@ TEST_F(IndexedKeysTest, EveryKeyIsServedAtFullPrecisionInTheDriversOrder)
     driver.keyInfo(fourCharCode("MSSD"), info);
     EXPECT_EQ(info.dataType, 0x75693800u) << "the driver prints the type without its last, zero byte";
     EXPECT_EQ(driver.keyInfo(fourCharCode("TC9P"), info).result, 0x84);
+    Hardware::Bytes bytes;
+    bytes.fill(7);
+    driver.readBytes(fourCharCode("#KEY"), bytes);
+    EXPECT_EQ(bytes[3], 5);
+    EXPECT_EQ(bytes[4], 7) << "behind the number";
 }
 
 TEST_F(IndexedKeysTest, ReadIsRepeatedWhenAnotherProcessMovedTheIndex)
@@ -110,9 +115,11 @@ TEST_F(IndexedKeysTest, LockThatAnotherProgramKeepsIsNotWaitedForTwice)
     int pauses = 0;
     fake.beforeCall = [&](FakeDriver::Call call) { pauses += call == FakeDriver::Call::pause; };
     ASSERT_TRUE(driver.hasSMC());
-    EXPECT_GT(std::exchange(pauses, 0), 0);
+    EXPECT_EQ(std::exchange(pauses, 0), 399); // two seconds
     for (int refresh = 0; refresh < 3; ++refresh) {
+        fake.dataReads.clear();
         EXPECT_EQ(value(driver, "TC0P"), 47.53125);
+        EXPECT_EQ(fake.dataReads.size(), 2u) << "the index is not ours alone";
         driver.closeSMC();
     }
     EXPECT_EQ(pauses, 0);
@@ -147,6 +154,13 @@ TEST_F(IndexedKeysTest, UnreadableKeyCostsNoOther)
     EXPECT_EQ(value(driver, "TC0P"), std::nullopt);
     EXPECT_EQ(value(driver, "TC1P"), 48.0625);
     EXPECT_EQ(fake.dataReads.size(), 2u) << "an error of the right key is final";
+    fake.keys[2].name = ""; // as an index is answered that the SMC knows no key of
+    AppleSMCDriver nameless(fake, "");
+    Hardware::KeyInfo info;
+    EXPECT_EQ(nameless.keyInfo(0, info).result, 0x84);
+    std::uint32_t key = 0;
+    EXPECT_EQ(nameless.keyAtIndex(2, key).status, SMCOutcome::failed().status);
+    fake.keys[2].name = "TC1P";
     // The error of the key that another process chose is not this one's.
     fake.afterWrite = [&] { fake.afterWrite = nullptr, fake.index = 1; };
     EXPECT_EQ(value(driver, "TC1P"), 48.0625);
@@ -189,8 +203,14 @@ TEST_F(IndexedKeysTest, MoreKeysThanAByteCountsAreAllServed)
     EXPECT_EQ(keyNames(large).size(), 300u * 5);
 }
 
-TEST_F(IndexedKeysTest, AbsurdKeyCountsAreNotWalked)
+TEST_F(IndexedKeysTest, AttributesThatAreNotAllThereOrCountAbsurdlyManyKeysAreNotWalked)
 {
+    for (const char* attribute : {"", "_name", "_type", "_data_length", "_data"}) {
+        const auto file = fake.files.extract(folder + "/key_at_index" + attribute);
+        EXPECT_FALSE(AppleSMCDriver(fake, "").hasSMC()) << attribute;
+        fake.files[file.key()] = file.mapped();
+    }
+    EXPECT_TRUE(AppleSMCDriver(fake, "").hasSMC());
     for (const char* count : {"", "-1\n", "4294967295\n", "99999999999999999999\n", "many\n"}) {
         fake.files[folder + "/key_count"] = count;
         EXPECT_FALSE(AppleSMCDriver(fake, "").hasSMC()) << count;
@@ -203,8 +223,11 @@ protected:
     {
         fake.files = {{folder + "/temp1_label", "TC0P\n"}, {folder + "/temp1_input", "47500\n"},
             {folder + "/temp2_label", "TC1P\n"}, {folder + "/temp2_input", "-127000\n"},
-            {folder + "/temp9_label", "TB0T\n"}, {folder + "/temp9_input", "30250\n"},
-            {folder + "/fan1_input", "2157\n"}, {folder + "/fan1_min", "2160\n"}, {folder + "/fan2_input", "0\n"}};
+            {folder + "/temp512_label", "TB0T\n"}, {folder + "/temp512_input", "30250\n"},
+            {folder + "/fan1_input", "2157\n"}, {folder + "/fan1_min", "2160\n"}, {folder + "/fan15_input", "0\n"},
+            // Beyond what is looked for.
+            {folder + "/temp513_label", "TW0P\n"}, {folder + "/temp513_input", "40000\n"},
+            {folder + "/fan16_input", "2157\n"}};
     }
 
     FakeDriver fake;
@@ -213,7 +236,7 @@ protected:
 
 TEST_F(SensorFilesTest, FilesServeWhatTheyHave)
 {
-    EXPECT_EQ(keyNames(driver), "TC0P TC1P TB0T F0Ac F0Mn F1Ac ");
+    EXPECT_EQ(keyNames(driver), "TC0P TC1P TB0T F0Ac F0Mn FEAc ");
     EXPECT_EQ(value(driver, "#KEY"), 6.0);
     EXPECT_EQ(value(driver, "TC0P"), 47.5);
     EXPECT_EQ(value(driver, "TC1P"), std::nullopt);
@@ -263,9 +286,9 @@ TEST_F(SensorFilesTest, EachFileIsOpenedOnceAndAgainWhenItsDriverComesBack)
 
 TEST_F(SensorFilesTest, FileThatIsNoNumberIsNoKey)
 {
-    fake.refusals = {{folder + "/fan1_input", EINVAL}, {folder + "/temp9_input", EINVAL}};
+    fake.refusals = {{folder + "/fan1_input", EINVAL}, {folder + "/temp512_input", EINVAL}};
     fake.files[folder + "/fan1_min"] = "slow\n";
-    fake.files[folder + "/fan2_input"] = "";
+    fake.files[folder + "/fan15_input"] = "";
     EXPECT_EQ(keyNames(driver), "TC0P TC1P ");
     // What is refused later only is a key without a value.
     fake.refusals = {{folder + "/temp1_input", EIO}};
@@ -280,9 +303,9 @@ TEST(MacsmcTest, LabelsStandForKeys)
     fake.files = {{"/root/sys/class/hwmon/hwmon1/name", "nvme\n"}, {hwmon + "/name", "macsmc_hwmon\n"},
         {hwmon + "/temp1_label", "NAND Flash Temperature\n"}, {hwmon + "/temp1_input", "40000\n"},
         {hwmon + "/temp2_label", "Battery Hotspot\n"}, {hwmon + "/temp2_input", "31125\n"},
-        {hwmon + "/temp3_label", "WiFi/BT Module Temp\n"}, {hwmon + "/temp3_input", "141000\n"},
+        {hwmon + "/temp512_label", "WiFi/BT Module Temp\n"}, {hwmon + "/temp512_input", "141000\n"},
         {hwmon + "/fan1_label", "Fan 2\n"}, {hwmon + "/fan1_input", "1300\n"}, {hwmon + "/fan1_max", "6800\n"},
-        {hwmon + "/fan2_label", "Fan 1\n"}, {hwmon + "/fan2_input", "1200\n"}};
+        {hwmon + "/fan15_label", "Fan 1\n"}, {hwmon + "/fan15_input", "1200\n"}};
     AppleSMCDriver driver(fake, "/root");
     EXPECT_EQ(keyNames(driver), "TB0T TW0P F1Ac F1Mx F0Ac ");
     EXPECT_EQ(value(driver, "TB0T"), 31.125);
@@ -300,12 +323,30 @@ TEST(AppleSMCDriverTest, MacWithT2ChipHasItsOwnFolder)
     EXPECT_EQ(value(driver, "TB0T"), 31.0);
 }
 
+TEST(AppleSMCDriverTest, TellsHowMuchOfTheSMCItIsGiven)
+{
+    const std::map<std::string, std::string> files{
+        {folder + "/temp1_label", "TC0P\n"}, {folder + "/temp1_input", "47500\n"}};
+    for (const auto expected : {SMCAccess::none, SMCAccess::files, SMCAccess::refused, SMCAccess::everyKey}) {
+        FakeDriver fake;
+        if (expected == SMCAccess::refused || expected == SMCAccess::everyKey)
+            fake.addApplesmc(folder, {{"TC0P", "sp78", "\x2f\x88"}, {"TC1P", "sp78", "\x30\x10"}});
+        if (expected != SMCAccess::none)
+            fake.files.insert(files.begin(), files.end());
+        fake.isWritable = expected != SMCAccess::refused;
+        AppleSMCDriver driver(fake, "");
+        EXPECT_EQ(driver.hasSMC(), expected != SMCAccess::none);
+        EXPECT_EQ(driver.access(), expected);
+    }
+}
+
 TEST(AppleSMCDriverTest, FilesOfNewerKernelsLieInHwmon)
 {
     for (const auto& device : {folder, "/sys/bus/acpi/devices/APP0001:00"s}) {
         FakeDriver fake;
-        fake.files = {{device + "/hwmon/hwmon4/temp1_label", "TC0P\n"},
-            {device + "/hwmon/hwmon4/temp1_input", "47500\n"}, {device + "/hwmon/hwmon4/fan1_input", "2157\n"},
+        const auto hwmon = device + "/hwmon/hwmon" + (device == folder ? "0" : "63");
+        fake.files = {{hwmon + "/temp1_label", "TC0P\n"}, {hwmon + "/temp1_input", "47500\n"},
+            {hwmon + "/fan1_input", "2157\n"}, {device + "/hwmon/hwmon64/fan2_input", "2100\n"},
             {device + "/fan1_input", "2100\n"}};
         AppleSMCDriver files(fake, "");
         EXPECT_EQ(keyNames(files), "F0Ac TC0P ") << "each key once";

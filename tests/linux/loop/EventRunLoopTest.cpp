@@ -59,3 +59,18 @@ TEST(EventRunLoop, KeepsTheFirstExitStatus)
     loop.exit(0);
     EXPECT_EQ(loop.run(), 1);
 }
+
+TEST(EventRunLoop, EndsAfterTheWorkInTheBackground)
+{
+    std::atomic<bool> hasEnded = false;
+    {
+        EventRunLoop loop;
+        loop.postToBackground([&] {
+            loop.exit(0);
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+            hasEnded = true;
+        });
+        loop.run();
+    }
+    EXPECT_TRUE(hasEnded);
+}
