@@ -152,6 +152,27 @@ TEST(SimulatedMac, AnswersAsARealSMCDoes)
     EXPECT_EQ(mac.smc.getValue("#KEY"), 2.0);
 }
 
+TEST(SimulatedMac, HasServicesOfOneKindWithOneEvent)
+{
+    TestMac mac(machineText("Mac14,2", "Apple M2", "", R"({"temperature": 3})"));
+    struct Case {
+        std::int32_t page, usage, type, field;
+        std::optional<double> event; // nothing without a service too
+        int services = 1;
+    };
+    const Case cases[]{{0xff00, 5, 15, 0xf0000, 3}, {0xff00, 5, 14, 0xf0000, {}}, {0xff00, 5, 15, 0xf0001, {}},
+        {0xff01, 5, 15, 0xf0000, {}, 0}, {0xff00, 4, 15, 0xf0000, {}, 0}};
+    for (const auto& [page, usage, type, field, event, services] : cases) {
+        int visited = 0;
+        const auto visit = [&, type = type, field = field, event = event](HIDService& service) {
+            ++visited;
+            EXPECT_EQ(service.eventValue(type, field), event) << type << " " << field;
+        };
+        EXPECT_TRUE(mac.simulation.mac.forEachService(page, usage, visit)) << "a client there is";
+        EXPECT_EQ(visited, services) << page << " " << usage;
+    }
+}
+
 TEST(SimulatedMac, TakesTheNearestReadingThatATypeHolds)
 {
     TestMac mac(machineText("Mac14,2", "Apple M2", R"({"key": "TAAA", "type": "sp78", "bytes": ["0000", "0100"]},

@@ -53,6 +53,16 @@ TEST(SensorGroup, OnlyTheseTitlesAreOfNoOther)
             "Thunderbolt Proximity"}));
 }
 
+TEST(SensorGroup, IsCalledAsBefore)
+{
+    std::string names;
+    for (const auto& [group, identifier, heading] : sensorGroups)
+        names.append(identifier).append("=").append(heading).append("\n");
+    EXPECT_EQ(names,
+        "cpu=CPU\ngpu=GPU\nmemory=Memory\nbattery=Battery\nstorage=Storage\npower=Power\n"
+        "airflow_and_enclosure=Airflow and enclosure\nradio=Radio\nother=Other\n");
+}
+
 TEST(SensorGroup, TitlesThatShareAWordAreToldApart)
 {
     const struct {

@@ -146,6 +146,15 @@ TEST_F(IndexedKeysTest, WalkSurvivesAnotherProcess)
             fake.index = 3;
     };
     EXPECT_EQ(keyNames(driver), "#KEY TC0P TC1P F0Ac MSSD ");
+    int attempts = 0;
+    fake.afterWrite = [&] {
+        if (fake.index == 1)
+            ++attempts, fake.index = 3; // whenever that key is chosen
+    };
+    AppleSMCDriver disturbed(fake, "");
+    EXPECT_EQ(value(disturbed, "TC0P"), std::nullopt);
+    EXPECT_EQ(value(disturbed, "TC1P"), 48.0625);
+    EXPECT_EQ(attempts, 2 * 32) << "it is walked again once the company was noticed";
 }
 
 TEST_F(IndexedKeysTest, UnreadableKeyCostsNoOther)
