@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace orv {
 
@@ -54,6 +55,7 @@ constexpr struct {
 std::wstring wide(std::string_view text)
 {
     std::wstring result;
+    result.reserve(text.size());
     while (!text.empty()) {
         const auto [character, length] = decodeCharacter(text);
         result += static_cast<wchar_t>(character.value_or(U'?'));
@@ -105,11 +107,12 @@ WINDOW* keyWindow = nullptr; // a pad, which asking for keys does not draw
 Screen::Screen(bool hasColour)
     : shownSize(terminalSize())
 {
-    newterm(nullptr, stdout, stdin);
+    newterm(nullptr, output.stream(), stdin);
     cbreak();
     noecho();
     nonl();
     set_escdelay(25);
+    typeahead(-1); // keys wait for a picture, which is not broken off to look for them
     refuseFlowControl();
     curs_set(0);
     keyWindow = newpad(1, 1);
@@ -142,21 +145,23 @@ void Screen::chooseColours(bool hasColour)
     }
 }
 
-void Screen::show(const Frame& frame)
+void Screen::show(Frame&& frame)
 {
+    output.hold();
     curs_set(0);
     shown.resize(frame.lines.size());
     for (std::size_t row = 0; row < frame.lines.size() && row < shownSize.height; ++row) {
         if (shown[row] != frame.lines[row])
             showLine(row, frame.lines[row]);
     }
-    shown = frame.lines;
+    shown = std::move(frame.lines);
     if (frame.cursor) {
         wmove(stdscr, static_cast<int>(shownSize.height) - 1, static_cast<int>(*frame.cursor));
         curs_set(1);
     }
     wnoutrefresh(stdscr);
     doupdate();
+    output.send();
 }
 
 void Screen::showLine(std::size_t row, const StyledLine& line)

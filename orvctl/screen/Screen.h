@@ -1,5 +1,6 @@
 #pragma once
 
+#include "orvctl/screen/HeldOutput.h"
 #include "orvctl/top/Top.h"
 
 #include <optional>
@@ -16,7 +17,7 @@ public:
     Screen& operator=(const Screen&) = delete;
 
     ScreenSize size() const { return shownSize; }
-    void show(const Frame& frame);
+    void show(Frame&& frame);
     /// A key that was pressed; nothing when none waits.
     std::optional<KeyPress> nextKey();
 
@@ -32,6 +33,7 @@ private:
     void chooseColours(bool hasColour);
     void showLine(std::size_t row, const StyledLine& line);
 
+    HeldOutput output;
     ScreenSize shownSize;
     std::vector<StyledLine> shown;
     std::vector<unsigned long> attributes; // by style

@@ -75,7 +75,7 @@ bool ServiceFeed::post(News news)
 void ServiceFeed::take(Top& top)
 {
     std::array<char, 64> bytes{};
-    while (read(arriving.get(), bytes.data(), bytes.size()) > 0) { }
+    while (read(arriving.get(), bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size())) { }
     shownAt = Clock::now();
     std::vector<News> news;
     {

@@ -2,6 +2,8 @@
 
 #include "readings/Text.h"
 
+#include <algorithm>
+
 #include <locale.h>
 #include <wchar.h>
 #if __has_include(<xlocale.h>)
@@ -47,7 +49,10 @@ std::optional<std::size_t> columnsOf(char32_t character)
 
 std::size_t columnCount(std::string_view text)
 {
-    std::size_t columns = 0;
+    const auto isPlain = [](char character) { return character >= 0x20 && character < 0x7F; };
+    const auto plain = std::ranges::find_if_not(text, isPlain); // mostly all of it
+    auto columns = static_cast<std::size_t>(plain - text.begin());
+    text.remove_prefix(columns);
     while (!text.empty()) {
         const auto [character, length] = decodeCharacter(text);
         columns += character ? columnsOf(*character).value_or(1) : 1;
