@@ -38,7 +38,7 @@ void writeAll(int terminal, std::string_view bytes)
         const auto count = write(terminal, bytes.data(), bytes.size());
         if (count > 0)
             bytes.remove_prefix(static_cast<std::size_t>(count));
-        else if (!waitFor(terminal))
+        else if (count == 0 || !waitFor(terminal))
             return; // it has gone
     }
 }

@@ -33,6 +33,9 @@ public:
     /// Nothing for a reading that was never taken.
     const ReadingHistory* find(const std::string& identity) const;
 
+    /// The number of the column that grows.
+    std::int64_t newestColumn() const { return newest; }
+
     /// The last columns of a reading, not a number where there was none; the newest, which still grows, last.
     std::vector<float> columns(const std::string& identity, std::size_t count) const;
 

@@ -21,6 +21,8 @@ struct Drawing {
 struct LongestTexts {
     std::size_t title = 0;
     std::size_t key = 0;
+
+    bool operator==(const LongestTexts&) const = default;
 };
 
 LongestTexts longestTexts(const std::vector<TopReading>& readings);

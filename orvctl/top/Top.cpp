@@ -67,7 +67,8 @@ std::string Top::Place::identity() const
 void Top::arrived(std::vector<TopReading> readings, const std::optional<Timing>& timing, Seconds now)
 {
     live.readings = std::move(readings);
-    isOutlined = false;
+    if (!std::exchange(isOutlined, false))
+        drawnReadings.clear(); // what the frames did not show may have left a trace
     live.timing = timing;
     live.heardAt = now;
     live.missing.clear();
@@ -90,6 +91,7 @@ void Top::beginAnew()
     live = {};
     frozen.reset();
     isOutlined = false;
+    drawnReadings.clear();
 }
 
 void Top::explained(const std::string& text)
@@ -113,6 +115,7 @@ Command Top::press(const KeyPress& press)
     outlineReadings(); // those of the last frame may be gone
     auto command = act(*action, press);
     isOutlined = false;
+    drawnReadings.clear();
     return command;
 }
 
@@ -331,11 +334,17 @@ void Top::scrollToSelection()
     firstPlace = std::min(firstPlace, lastFirst);
 }
 
-StyledLine Top::bodyLine(const Place& place, const Drawing& drawing) const
+// Of most readings nothing changes from one frame to the next.
+StyledLine Top::bodyLine(const Place& place, const Drawing& drawing)
 {
-    if (place.reading)
-        return readingLine(*place.reading, shown().history, drawing);
-    return groupLine(*std::ranges::find(groups, place.group, &OutlinedGroup::group), drawing);
+    if (!place.reading)
+        return groupLine(*std::ranges::find(groups, place.group, &OutlinedGroup::group), drawing);
+    const auto former = drawnReadings.find(place.reading->identity);
+    if (former != drawnReadings.end() && former->second.reading == *place.reading)
+        return former->second.line;
+    auto line = readingLine(*place.reading, shown().history, drawing);
+    drawnReadings.insert_or_assign(place.reading->identity, DrawnReading{*place.reading, line});
+    return line;
 }
 
 // Most frames are told of nothing but the time.
@@ -354,6 +363,9 @@ std::vector<StyledLine> Top::drawBody(std::size_t width, bool isFresh)
     outlineReadings();
     scrollToSelection();
     const auto drawing = drawingFor(width, longest, signs);
+    const DrawnAlike wanted{width, longest, shown().history.newestColumn()};
+    if (std::exchange(drawnAlike, wanted) != wanted)
+        drawnReadings.clear();
     std::vector<StyledLine> lines{headingLine(drawing)};
     for (auto place = firstPlace; place < places.size() && lines.size() <= bodyHeight; ++place) {
         auto line = bodyLine(places[place], drawing);
@@ -428,8 +440,13 @@ Frame Top::frame(ScreenSize size, Seconds now)
     isOutlined = isOutlined && former == bodyHeight;
     if (page)
         frame.lines.push_back(LineWriter(width, signs).put(Style::strong, page->title, width).take());
-    const auto inside = page ? pageLines(*page, width, bodyHeight, signs) : bodyLines(width, now);
-    frame.lines.insert(frame.lines.end(), inside.begin(), inside.end());
+    const auto add = [&](const std::vector<StyledLine>& lines) {
+        frame.lines.insert(frame.lines.end(), lines.begin(), lines.end());
+    };
+    if (page)
+        add(pageLines(*page, width, bodyHeight, signs));
+    else
+        add(bodyLines(width, now));
     frame.lines.resize(std::max<std::size_t>(height, 1) - 1);
     frame.lines.push_back(bottomLine(width));
     if (isTyping)

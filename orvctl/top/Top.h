@@ -6,6 +6,7 @@
 #include "orvctl/top/ReadingLines.h"
 
 #include <cstddef>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -79,6 +80,21 @@ private:
         bool operator==(const Drawn&) const = default;
     };
 
+    /// The line of a reading, as long as nothing changes that is in it.
+    struct DrawnReading {
+        TopReading reading;
+        StyledLine line;
+    };
+
+    /// What all lines of readings were drawn for.
+    struct DrawnAlike {
+        std::size_t width = 0;
+        LongestTexts longest;
+        std::int64_t column = 0; // of the sparklines
+
+        bool operator==(const DrawnAlike&) const = default;
+    };
+
     const Board& shown() const { return frozen ? *frozen : live; }
     Command act(Action action, const KeyPress& press);
     Command actOnPage(Action action);
@@ -93,7 +109,7 @@ private:
     void select(std::size_t place);
     std::size_t selectedPlace() const;
     void scrollToSelection();
-    StyledLine bodyLine(const Place& place, const Drawing& drawing) const;
+    StyledLine bodyLine(const Place& place, const Drawing& drawing);
     const std::vector<StyledLine>& bodyLines(std::size_t width, Seconds now);
     std::vector<StyledLine> drawBody(std::size_t width, bool isFresh);
     std::string nothingText() const;
@@ -118,6 +134,8 @@ private:
     std::vector<Place> places; // all lines of the body
     Drawn drawn;
     std::vector<StyledLine> body; // as it was drawn last
+    DrawnAlike drawnAlike;
+    std::map<std::string, DrawnReading> drawnReadings; // by identity; of one board, since the last key
     std::string selected; // the identity of a place
     std::size_t lastPlace = 0; // of the selection, for when it is gone
     std::size_t firstPlace = 0; // that is on the screen

@@ -44,6 +44,8 @@ struct TopReading {
     double value = 0; // degrees Celsius, revolutions per minute or percent; never NaN
     double least = 0; // of what it can be, below `most` where that is known
     double most = 0;
+
+    bool operator==(const TopReading&) const = default;
 };
 
 /// Everything of both replies that is a number.

@@ -9,11 +9,10 @@ namespace orv {
 
 namespace {
 
-constexpr std::string_view digits = "0123456789";
-
 std::size_t lengthOfNumber(std::string_view text)
 {
-    return std::min(text.find_first_not_of(digits), text.size());
+    const auto isDigit = [](char character) { return character >= '0' && character <= '9'; };
+    return static_cast<std::size_t>(std::ranges::find_if_not(text, isDigit) - text.begin());
 }
 
 // As digits, since a number of any length may come.
@@ -31,15 +30,15 @@ bool comesNaturallyBefore(std::string_view left, std::string_view right)
     auto leftRest = left;
     auto rightRest = right;
     while (!leftRest.empty() && !rightRest.empty()) {
-        const auto leftLength = std::max<std::size_t>(1, lengthOfNumber(leftRest));
-        const auto rightLength = std::max<std::size_t>(1, lengthOfNumber(rightRest));
-        const auto order = lengthOfNumber(leftRest) > 0 && lengthOfNumber(rightRest) > 0
+        const auto leftLength = lengthOfNumber(leftRest);
+        const auto rightLength = lengthOfNumber(rightRest);
+        const auto order = leftLength > 0 && rightLength > 0
             ? compareNumbers(leftRest.substr(0, leftLength), rightRest.substr(0, rightLength))
             : leftRest.substr(0, 1) <=> rightRest.substr(0, 1);
         if (order != std::strong_ordering::equal)
             return order == std::strong_ordering::less;
-        leftRest.remove_prefix(leftLength);
-        rightRest.remove_prefix(rightLength);
+        leftRest.remove_prefix(std::max<std::size_t>(1, leftLength));
+        rightRest.remove_prefix(std::max<std::size_t>(1, rightLength));
     }
     return leftRest.empty() == rightRest.empty() ? left < right : leftRest.empty();
 }

@@ -121,6 +121,20 @@ TEST(Top, ShowsReadingsByGroupsWithWhatWasSeenOfThem)
         }));
 }
 
+TEST(Top, ALineThatIsKeptShowsWhatWasSeenMeanwhile)
+{
+    Shown shown(oneSensor(50));
+    EXPECT_TRUE(shown.shows("50.0   50.0"));
+    hear(shown.top, oneSensor(50), 105);
+    EXPECT_TRUE(shown.shows("50.0   50.0"));
+    hear(shown.top, oneSensor(70), 110);
+    hear(shown.top, oneSensor(50), 115); // before anything is drawn
+    EXPECT_TRUE(shown.shows("50.0   70.0"));
+    shown.top.beginAnew();
+    hear(shown.top, oneSensor(50), 116);
+    EXPECT_TRUE(shown.shows("50.0   50.0"));
+}
+
 TEST(Top, NoLineIsWiderThanAnyScreen)
 {
     for (const bool isASCII : {false, true}) {
