@@ -66,7 +66,7 @@ TEST(LineReader, GoesBackToAnyMark)
         marks.push_back(reader.mark());
         EXPECT_EQ(reader.next(oneRead), line);
     }
-    for (const std::size_t index : {3, 0, 2, 1}) {
+    for (const std::size_t index : {3U, 0U, 2U, 1U}) {
         EXPECT_TRUE(reader.goBack(marks[index]));
         EXPECT_TRUE(reader.isLineEnded());
         EXPECT_EQ(reader.lineNumber(), index);

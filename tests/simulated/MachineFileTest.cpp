@@ -162,14 +162,14 @@ TEST(SimulatedMac, HasServicesOfOneKindWithOneEvent)
     };
     const Case cases[]{{0xff00, 5, 15, 0xf0000, 3}, {0xff00, 5, 14, 0xf0000, {}}, {0xff00, 5, 15, 0xf0001, {}},
         {0xff01, 5, 15, 0xf0000, {}, 0}, {0xff00, 4, 15, 0xf0000, {}, 0}};
-    for (const auto& [page, usage, type, field, event, services] : cases) {
+    for (const auto& each : cases) {
         int visited = 0;
-        const auto visit = [&, type = type, field = field, event = event](HIDService& service) {
+        const auto visit = [&](HIDService& service) {
             ++visited;
-            EXPECT_EQ(service.eventValue(type, field), event) << type << " " << field;
+            EXPECT_EQ(service.eventValue(each.type, each.field), each.event) << each.type << " " << each.field;
         };
-        EXPECT_TRUE(mac.simulation.mac.forEachService(page, usage, visit)) << "a client there is";
-        EXPECT_EQ(visited, services) << page << " " << usage;
+        EXPECT_TRUE(mac.simulation.mac.forEachService(each.page, each.usage, visit)) << "a client there is";
+        EXPECT_EQ(visited, each.services) << each.page << " " << each.usage;
     }
 }
 
