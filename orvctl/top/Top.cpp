@@ -334,14 +334,15 @@ void Top::scrollToSelection()
     firstPlace = std::min(firstPlace, lastFirst);
 }
 
-// Of most readings nothing changes from one frame to the next.
-StyledLine Top::bodyLine(const Place& place, const Drawing& drawing)
+// Of most readings nothing changes from one frame to the next. One that no frame showed meanwhile is drawn anew: its
+// extremes may have changed.
+StyledLine Top::bodyLine(const Place& place, const Drawing& drawing, DrawnReadings& former)
 {
     if (!place.reading)
         return groupLine(*std::ranges::find(groups, place.group, &OutlinedGroup::group), drawing);
-    const auto former = drawnReadings.find(place.reading->identity);
-    if (former != drawnReadings.end() && former->second.reading == *place.reading)
-        return former->second.line;
+    auto kept = former.extract(place.reading->identity);
+    if (kept && kept.mapped().reading == *place.reading)
+        return drawnReadings.insert(std::move(kept)).position->second.line;
     auto line = readingLine(*place.reading, shown().history, drawing);
     drawnReadings.insert_or_assign(place.reading->identity, DrawnReading{*place.reading, line});
     return line;
@@ -364,11 +365,12 @@ std::vector<StyledLine> Top::drawBody(std::size_t width, bool isFresh)
     scrollToSelection();
     const auto drawing = drawingFor(width, longest, signs);
     const DrawnAlike wanted{width, longest, shown().history.newestColumn()};
+    auto former = std::exchange(drawnReadings, {});
     if (std::exchange(drawnAlike, wanted) != wanted)
-        drawnReadings.clear();
+        former.clear();
     std::vector<StyledLine> lines{headingLine(drawing)};
     for (auto place = firstPlace; place < places.size() && lines.size() <= bodyHeight; ++place) {
-        auto line = bodyLine(places[place], drawing);
+        auto line = bodyLine(places[place], drawing, former);
         if (!isFresh)
             fade(line);
         line.isSelected = places[place].identity() == selected;

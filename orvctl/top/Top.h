@@ -85,6 +85,7 @@ private:
         TopReading reading;
         StyledLine line;
     };
+    using DrawnReadings = std::map<std::string, DrawnReading>; // by identity
 
     /// What all lines of readings were drawn for.
     struct DrawnAlike {
@@ -109,7 +110,7 @@ private:
     void select(std::size_t place);
     std::size_t selectedPlace() const;
     void scrollToSelection();
-    StyledLine bodyLine(const Place& place, const Drawing& drawing);
+    StyledLine bodyLine(const Place& place, const Drawing& drawing, DrawnReadings& former);
     const std::vector<StyledLine>& bodyLines(std::size_t width, Seconds now);
     std::vector<StyledLine> drawBody(std::size_t width, bool isFresh);
     std::string nothingText() const;
@@ -135,7 +136,7 @@ private:
     Drawn drawn;
     std::vector<StyledLine> body; // as it was drawn last
     DrawnAlike drawnAlike;
-    std::map<std::string, DrawnReading> drawnReadings; // by identity; of one board, since the last key
+    DrawnReadings drawnReadings; // of the last frame, unless a key was pressed
     std::string selected; // the identity of a place
     std::size_t lastPlace = 0; // of the selection, for when it is gone
     std::size_t firstPlace = 0; // that is on the screen

@@ -1,5 +1,7 @@
 #include "orvctl/watching/LineOutput.h"
 
+#include "base/ReplacedFile.h"
+
 #include <signal.h>
 #include <unistd.h>
 
@@ -7,25 +9,17 @@
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
-#include <string_view>
 #include <thread>
 
 namespace orv {
 
 bool LineOutput::write(const std::string& text)
 {
-    for (std::string_view rest = text; !rest.empty();) {
-        const auto written = ::write(STDOUT_FILENO, rest.data(), rest.size());
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written < 0) {
-            if (errno != EPIPE)
-                fault = std::string("cannot write: ") + std::strerror(errno);
-            return false;
-        }
-        rest.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return true;
+    if (writeWhole(STDOUT_FILENO, text))
+        return true;
+    if (errno != EPIPE)
+        fault = std::string("cannot write: ") + std::strerror(errno);
+    return false;
 }
 
 namespace {
