@@ -86,7 +86,7 @@ TEST(Check, NamesWhatVanishedAndWhereToAsk)
 TEST(Check, WarnsOfARunningFanBelowItsMinimum)
 {
     const std::pair<const char*, PluginState> cases[] = {{"2157", PluginState::ok}, {"2160", PluginState::ok},
-        {"2000", PluginState::warning}, {"1", PluginState::warning}, {"0", PluginState::ok}, {"-5", PluginState::ok}};
+        {"2130", PluginState::warning}, {"1", PluginState::warning}, {"0", PluginState::ok}, {"-5", PluginState::ok}};
     for (const auto& [speed, state] : cases) {
         const auto reply =
             std::string(R"({"F0Ac": {"title": "Fan", "type": "fans", "minvalue": 2160, "value": )") + speed + "}}";
