@@ -14,9 +14,9 @@ namespace {
 /// Nothing is added of an entry that is neither.
 void addMeasurement(Measurements& measurements, const std::string& key, const Dictionary& entry)
 {
-    const auto title = member<std::string>(entry, "title");
+    const std::string title(textMember(entry, "title"));
     const auto* degrees = entry.findAs<double>("value");
-    if (member<std::string>(entry, "type") == "fans")
+    if (textMember(entry, "type") == "fans")
         measurements.push_back({key, title, MeasurementKind::fan, speed(entry, "value"), speed(entry, "minvalue"),
             speed(entry, "maxvalue")});
     else if (degrees)

@@ -51,9 +51,9 @@ void addTemperatures(MetricsText& metrics, const Dictionary& thermal)
     for (const auto& [key, value] : thermal) {
         const auto* entry = value.as<Dictionary>();
         const auto* degrees = entry ? entry->findAs<double>("value") : nullptr;
-        if (!degrees || member<std::string>(*entry, "type") != "temperature")
+        if (!degrees || textMember(*entry, "type") != "temperature")
             continue;
-        const auto title = member<std::string>(*entry, "title");
+        const std::string title(textMember(*entry, "title"));
         metrics.add(temperatures, {{"key", key}, {"title", title}, {"group", identifierOf(groupOf(title))}}, *degrees);
     }
 }
@@ -63,8 +63,8 @@ void addFans(MetricsText& metrics, const Dictionary& thermal, const FanFamily& r
     for (const auto& [key, value] : thermal) {
         const auto* entry = value.as<Dictionary>();
         const auto* speed = entry ? entry->findAs<std::int64_t>(row.member) : nullptr;
-        if (speed && member<std::string>(*entry, "type") == "fans")
-            metrics.add(row.family, {{"key", key}, {"title", member<std::string>(*entry, "title")}},
+        if (speed && textMember(*entry, "type") == "fans")
+            metrics.add(row.family, {{"key", key}, {"title", std::string(textMember(*entry, "title"))}},
                 static_cast<double>(*speed));
     }
 }

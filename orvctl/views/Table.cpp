@@ -44,8 +44,8 @@ std::vector<Reading> readingsOfType(const Dictionary& reply, std::string_view ty
     std::vector<Reading> readings;
     for (const auto& [code, value] : reply) {
         const auto* entry = value.as<Dictionary>();
-        if (entry && member<std::string>(*entry, "type") == type)
-            readings.push_back({printable(member<std::string>(*entry, "title")), printable(code), entry});
+        if (entry && textMember(*entry, "type") == type)
+            readings.push_back({printable(textMember(*entry, "title")), printable(code), entry});
     }
     std::ranges::sort(readings, std::less<>());
     return readings;
@@ -53,7 +53,7 @@ std::vector<Reading> readingsOfType(const Dictionary& reply, std::string_view ty
 
 double celsius(const Reading& reading)
 {
-    return member<double>(*reading.entry, "value");
+    return numberMember<double>(*reading.entry, "value");
 }
 
 std::string temperatureRow(const Reading& reading)
@@ -82,8 +82,8 @@ std::string fanRow(const Reading& reading)
 {
     const auto& fan = *reading.entry;
     return row(fmt::format("  {}{}{:>8} rpm  ({} to {})", padded(titleWidth, reading.title), padded(8, reading.code),
-        member<std::int64_t>(fan, "value"), member<std::int64_t>(fan, "minvalue"),
-        member<std::int64_t>(fan, "maxvalue")));
+        numberMember<std::int64_t>(fan, "value"), numberMember<std::int64_t>(fan, "minvalue"),
+        numberMember<std::int64_t>(fan, "maxvalue")));
 }
 
 constexpr const char* emptyThermalTable = "No temperatures and no fans.\n";

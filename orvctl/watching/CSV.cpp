@@ -83,7 +83,7 @@ private:
         auto line = rfc3339(moment.at);
         for (const auto& column : columns) {
             const auto found = std::ranges::find_if(figures, [&](const auto& figure) { return column.holds(figure); });
-            line += ',' + (found == figures.end() ? std::string() : found->exact);
+            line += ',' + (found == figures.end() ? std::string() : exactText(*found));
         }
         return line + "\r\n";
     }

@@ -28,16 +28,15 @@ void addFigure(std::vector<Figure>& figures, std::string_view key, std::string_v
         return;
     if (std::isnan(number))
         return;
-    const auto exact = std::isfinite(number) ? writeJSON(value, KeyOrder::asListed) : number > 0 ? "inf" : "-inf";
-    figures.push_back({printable(key), printable(title), unit, number, exact, least, most});
+    figures.push_back({printable(key), printable(title), unit, number, value, least, most});
 }
 
 void addThermal(std::vector<Figure>& figures, const Member& sensor, std::string_view type, std::string_view unit)
 {
     const auto* entry = sensor.value.as<Dictionary>();
-    const auto* value = entry && member<std::string>(*entry, "type") == type ? entry->find("value") : nullptr;
+    const auto* value = entry && textMember(*entry, "type") == type ? entry->find("value") : nullptr;
     if (value)
-        addFigure(figures, sensor.key, member<std::string>(*entry, "title"), unit, *value, speed(*entry, "minvalue"),
+        addFigure(figures, sensor.key, textMember(*entry, "title"), unit, *value, speed(*entry, "minvalue"),
             speed(*entry, "maxvalue"));
 }
 
@@ -51,6 +50,13 @@ void addLevels(std::vector<Figure>& figures, const Member& device)
 }
 
 } // namespace
+
+std::string exactText(const Figure& figure)
+{
+    if (std::isfinite(figure.value))
+        return writeJSON(figure.given, KeyOrder::asListed);
+    return figure.value > 0 ? "inf" : "-inf";
+}
 
 std::vector<Figure> allFigures(const Dictionary& thermal, const Dictionary& bluetooth)
 {
@@ -85,7 +91,7 @@ std::vector<Figure> figuresOf(const Moment& moment)
 bool isNamed(const Member& entry, std::string_view name)
 {
     const auto* members = entry.value.as<Dictionary>();
-    return entry.key == name || (members && !name.empty() && member<std::string>(*members, "title") == name);
+    return entry.key == name || (members && !name.empty() && textMember(*members, "title") == name);
 }
 
 bool isNamed(const Figure& figure, std::string_view name)

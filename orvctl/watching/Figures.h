@@ -14,10 +14,13 @@ struct Figure {
     std::string title; // a level's is its kind
     std::string_view unit; // "celsius", "rpm" or "percent"
     double value = 0;
-    std::string exact; // as JSON has it, or "inf" or "-inf"
+    Value given; // the same, as the reply has it
     double least = 0; // of a fan's speeds
     double most = 0;
 };
+
+/// As JSON has it, or "inf" or "-inf".
+std::string exactText(const Figure& figure);
 
 /// All figures of both replies, by kind and key.
 std::vector<Figure> allFigures(const Dictionary& thermal, const Dictionary& bluetooth);
