@@ -27,7 +27,8 @@ namespace {
 constexpr const char* bundleIdentifier = ORV_BUNDLE_IDENTIFIER;
 constexpr const char* propertiesInterface = "org.freedesktop.DBus.Properties";
 constexpr std::uint64_t patience = 10'000'000; // microseconds
-constexpr Seconds interval = OrvSMCHelperServer::reloadInterval;
+// Without the half second a refresh would come as often just after the end of the wait as before it.
+constexpr Seconds longestSilence = OrvSMCHelperServer::reloadInterval + Seconds(0.5);
 
 enum class Start { automatic, refused };
 
@@ -220,7 +221,7 @@ void BusWatch::takeReply(sd_bus_message* message, BusSlot& slot, std::optional<D
 
 void BusWatch::awaitNext()
 {
-    silence = loop.scheduleRepeating(interval, [this] {
+    silence = loop.scheduleRepeating(longestSilence, [this] {
         if (const auto* isAsleep = latest.find("Asleep"))
             asked.set("Asleep", *isAsleep);
         if (const auto timing = serviceTiming(asked))

@@ -3,6 +3,7 @@
 #include "orvctl/top/Top.h"
 
 #include <chrono>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -10,10 +11,17 @@ namespace orv {
 
 using Clock = std::chrono::steady_clock;
 
-/// Where the live view gets its readings from. Main thread only.
+/// What a feed has to tell.
+using News = std::function<void(Top& top)>;
+
+/// Where the live view gets its readings from. One call at a time, besides stop.
 class Feed {
 public:
     virtual ~Feed() = default;
+
+    /// From now until stop has returned, news may be given to `show` on a thread of the feed's own. It takes a lock.
+    virtual void start(std::function<void(const News& news)>) { }
+    virtual void stop() { }
 
     /// Readable when there is something to be taken; below 0 for none.
     virtual int descriptor() const { return -1; }

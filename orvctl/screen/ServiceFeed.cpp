@@ -4,7 +4,6 @@
 #include <signal.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -42,65 +41,73 @@ ServiceFeed::ServiceFeed()
 {
     makePipe(arriving, telling);
     makePipe(wanting, output);
+}
+
+void ServiceFeed::start(std::function<void(const News& news)> shower)
+{
+    show = std::move(shower);
     watcher = startDeaf([this] { watch(); });
 }
 
-ServiceFeed::~ServiceFeed()
+void ServiceFeed::stop()
 {
     wanting.reset();
-    watcher.join();
+    if (watcher.joinable())
+        watcher.join();
 }
 
 void ServiceFeed::watch()
 {
-    auto ended = watchService(*this, output.get());
-    post([this, ended = std::move(ended)](Top&) { fault = ended; });
+    const auto ended = watchService(*this, output.get());
+    show([&](Top&) { fault = ended; });
+    wakeReader();
 }
 
 std::optional<Clock::time_point> ServiceFeed::due() const
 {
-    const auto next = shownAt + std::chrono::seconds(1);
-    const Clock::time_point steady(std::chrono::ceil<Clock::duration>(steadyUntil.value_or(Seconds::zero())));
-    return std::max(next, steady);
+    return isLate ? std::optional(toldAt + std::chrono::seconds(1)) : std::nullopt;
 }
 
-bool ServiceFeed::post(News news)
+void ServiceFeed::wakeReader()
 {
-    const std::lock_guard lock(mutex);
-    waiting.push_back(std::move(news));
     [[maybe_unused]] const auto written = write(telling.get(), "", 1);
-    return true;
 }
 
-void ServiceFeed::take(Top& top)
+void ServiceFeed::take(Top&)
 {
     std::array<char, 64> bytes{};
     while (read(arriving.get(), bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size())) { }
-    shownAt = Clock::now();
-    std::vector<News> news;
-    {
-        const std::lock_guard lock(mutex);
-        news.swap(waiting);
-    }
-    for (auto& each : news)
-        each(top);
-    steadyUntil = top.steadyUntil();
+    toldAt = Clock::now();
 }
 
 bool ServiceFeed::repliesArrived(const WatchedReplies& replies)
 {
-    return post([readings = topReadings(replies), timing = replies.timing, at = now()](
-                    Top& top) mutable { top.arrived(std::move(readings), timing, at); });
+    auto readings = topReadings(replies);
+    show([&](Top& top) {
+        isLate = false;
+        top.arrived(std::move(readings), replies.timing, now());
+    });
+    return true;
 }
 
 bool ServiceFeed::nothingArrived(const Timing& timing)
 {
-    return post([timing, at = now()](Top& top) { top.aged(timing, at); });
+    show([&](Top& top) {
+        isLate = true;
+        top.aged(timing, now());
+    });
+    wakeReader();
+    return true;
 }
 
 bool ServiceFeed::serviceMissing(const std::string& why)
 {
-    return post([why](Top& top) { top.missing(why); });
+    show([&](Top& top) {
+        isLate = true;
+        top.missing(why);
+    });
+    wakeReader();
+    return true;
 }
 
 } // namespace orv

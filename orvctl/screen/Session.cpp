@@ -30,14 +30,32 @@ Session::~Session()
 void Session::run()
 {
     feed.take(top);
-    while (!isOver && feed.fault.empty()) {
-        screen.show(top.frame(screen.size(), feed.now()));
+    feed.start([this](const News& news) {
+        const std::lock_guard lock(mutex);
+        news(top);
+        draw();
+    });
+    while (isGoingOn())
         wait();
-    }
+    feed.stop();
 }
 
-int Session::timeLeft() const
+bool Session::isGoingOn()
 {
+    const std::lock_guard lock(mutex);
+    if (!isOver && feed.fault.empty())
+        draw();
+    return !isOver && feed.fault.empty();
+}
+
+void Session::draw()
+{
+    screen.show(top.frame(screen.size(), feed.now()));
+}
+
+int Session::timeLeft()
+{
+    const std::lock_guard lock(mutex);
     const auto due = feed.due();
     if (!due)
         return -1;
@@ -51,6 +69,7 @@ void Session::wait()
         {feed.descriptor(), POLLIN, 0}, {explainer.descriptor(), POLLIN, 0}}};
     if (poll(awaited.data(), awaited.size(), timeLeft()) < 0)
         return; // a signal, which the next time is there to be taken
+    const std::lock_guard lock(mutex);
     if (awaited[1].revents)
         takeSignals();
     if (awaited[0].revents)

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "base/ThreadSafety.h"
 #include "orvctl/screen/Explainer.h"
 #include "orvctl/screen/Feed.h"
 #include "orvctl/screen/HeldComplaints.h"
 #include "orvctl/screen/Screen.h"
 #include "orvctl/screen/Signals.h"
+
+#include <mutex>
 
 namespace orv {
 
@@ -20,19 +23,22 @@ public:
     void run();
 
 private:
+    bool isGoingOn();
+    void draw() ORV_REQUIRES(mutex);
     void wait();
-    void takeKeys(short events);
-    void obey(const Command& command);
-    void takeSignals();
-    void stop();
-    int timeLeft() const;
+    void takeKeys(short events) ORV_REQUIRES(mutex);
+    void obey(const Command& command) ORV_REQUIRES(mutex);
+    void takeSignals() ORV_REQUIRES(mutex);
+    void stop() ORV_REQUIRES(mutex);
+    int timeLeft();
 
     Top& top;
     Feed& feed;
     Explainer explainer;
     Signals signals;
     HeldComplaints complaints;
-    Screen screen;
+    std::mutex mutex; // held for all that follows, the view and the feed
+    Screen screen ORV_GUARDED_BY(mutex);
     bool isOver = false;
 };
 

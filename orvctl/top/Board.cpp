@@ -21,6 +21,7 @@ std::string clockText(double seconds)
 
 std::string freshText(const Timing& timing)
 {
+    // A second that were counted down would cost a drawing, each as much as a refresh.
     if (timing.age < timing.interval + arrivalTime)
         return fmt::format("up to {0} old, next within {0}", ageText(timing.interval));
     return ageText(timing.age) + " old, next is due";
@@ -40,14 +41,6 @@ bool Board::isFresh(Seconds now) const
 {
     const auto then = timingAt(now);
     return missing.empty() && (!then || freshness(*then) == Freshness::fresh);
-}
-
-// A second that is counted down costs a drawing, each as much as a refresh.
-std::optional<Seconds> Board::steadyUntil() const
-{
-    if (!timing || !missing.empty())
-        return std::nullopt;
-    return heardAt + Seconds(timing->interval - timing->age + arrivalTime);
 }
 
 std::string stateText(const Board& board, Seconds now, bool isFrozen)

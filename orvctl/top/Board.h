@@ -24,8 +24,6 @@ struct Board {
     /// The same as it is at another time.
     std::optional<Timing> timingAt(Seconds now) const;
     bool isFresh(Seconds now) const;
-    /// Until when no text about its age changes, if nothing arrives.
-    std::optional<Seconds> steadyUntil() const;
 };
 
 /// A recording as it is being played.

@@ -52,8 +52,6 @@ public:
     void arrived(std::vector<TopReading> readings, const std::optional<Timing>& timing, Seconds now);
     void aged(const Timing& timing, Seconds now);
     void missing(const std::string& why);
-    /// Until when the live readings are shown as they are, if nothing comes.
-    std::optional<Seconds> steadyUntil() const { return live.steadyUntil(); }
     void played(const PlaybackState& state) { playback = state; }
     /// Forgets what was seen: what comes next is of another time.
     void beginAnew();

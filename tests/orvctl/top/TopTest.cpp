@@ -251,8 +251,7 @@ TEST(Top, SaysAndGreysWhatIsNotFresh)
     };
     Shown shown(smallMachine());
     EXPECT_TRUE(shown.lines({80, 24}, 104.4)[0].ends_with("  up to 5 s old, next within 5 s"));
-    ASSERT_TRUE(shown.top.steadyUntil());
-    EXPECT_TRUE(shown.lines({80, 24}, shown.top.steadyUntil()->count())[0].ends_with("  6 s old, next is due"));
+    EXPECT_TRUE(shown.lines({80, 24}, 104.5)[0].ends_with("  6 s old, next is due"));
     EXPECT_FALSE(isGrey(shown.top, 114));
     EXPECT_TRUE(shown.lines({80, 24}, 120)[0].ends_with("  stale, measured 21 s ago"));
     EXPECT_TRUE(isGrey(shown.top, 120));
