@@ -7,6 +7,7 @@ import pathlib
 import subprocess
 import sys
 
+import fleet
 import package
 import sessions
 import surroundings
@@ -16,7 +17,7 @@ from suite import Check, Lines, WrittenOrder
 # A computer is put to sleep once a boot: after a second time the emulated one does not always come back.
 BOOTS = {
     "everyday": (sessions.Activation, sessions.Journal, sessions.NoNamespaces, surroundings.Restarts,
-                 surroundings.Bluetooth, surroundings.Companion, surroundings.AnnouncedSleep),
+                 surroundings.Bluetooth, surroundings.Companion, fleet.Fleet, surroundings.AnnouncedSleep),
     "leaving": (surroundings.UnannouncedSleep, package.Package),
 }
 
