@@ -3,7 +3,7 @@
 #include "orvctl/checking/PerformanceData.h"
 #include "orvctl/views/Printable.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <array>

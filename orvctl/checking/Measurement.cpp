@@ -3,7 +3,7 @@
 #include "orvctl/views/EntryMember.h"
 #include "thermal/SensorGroup.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "orvctl/checking/PerformanceData.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <cmath>
 

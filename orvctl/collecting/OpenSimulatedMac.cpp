@@ -1,6 +1,6 @@
 #include "orvctl/collecting/OpenSimulatedMac.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <cstdio>
 

@@ -1,6 +1,6 @@
 #include "orvctl/metrics/DeviceStandIns.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <cstdint>

@@ -2,7 +2,7 @@
 
 #include "readings/Text.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <cmath>
 #include <utility>

@@ -4,7 +4,7 @@
 #include "orvctl/plotting/StyleSheet.h"
 #include "orvctl/views/Text.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <utility>

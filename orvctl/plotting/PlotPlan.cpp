@@ -1,6 +1,6 @@
 #include "orvctl/plotting/PlotPlan.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 

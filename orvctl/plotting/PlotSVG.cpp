@@ -4,7 +4,7 @@
 #include "orvctl/plotting/Panel.h"
 #include "orvctl/plotting/StyleSheet.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <utility>
 

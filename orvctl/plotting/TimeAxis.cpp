@@ -2,7 +2,7 @@
 
 #include "orvctl/plotting/Axis.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <array>
 #include <cmath>

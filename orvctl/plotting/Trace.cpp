@@ -1,6 +1,6 @@
 #include "orvctl/plotting/Trace.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <cmath>

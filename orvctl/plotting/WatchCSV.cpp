@@ -5,7 +5,7 @@
 #include "orvctl/plotting/Series.h"
 #include "orvctl/watching/WallTime.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <cerrno>

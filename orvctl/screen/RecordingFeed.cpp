@@ -2,7 +2,7 @@
 
 #include "service/OrvSMCHelperServer.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <array>

@@ -2,7 +2,7 @@
 
 #include "orvctl/views/Age.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <chrono>

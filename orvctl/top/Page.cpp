@@ -5,7 +5,7 @@
 #include "orvctl/views/Printable.h"
 #include "readings/Text.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 

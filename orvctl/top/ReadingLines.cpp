@@ -2,7 +2,7 @@
 
 #include "orvctl/views/ColumnWidth.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #include "orvctl/views/Age.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <array>
 #include <cstdint>

@@ -2,7 +2,7 @@
 
 #include "orvctl/views/Text.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <map>

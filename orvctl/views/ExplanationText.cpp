@@ -7,7 +7,7 @@
 #include "readings/Text.h"
 #include "json/JSONWriter.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #include "orvctl/views/Progress.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 #include <unistd.h>
 
 #include <algorithm>

@@ -8,7 +8,7 @@
 #include "thermal/SensorGroup.h"
 #include "json/JSONWriter.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <cstddef>

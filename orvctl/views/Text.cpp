@@ -3,7 +3,7 @@
 #include "orvctl/views/ColumnWidth.h"
 #include "readings/Text.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <utility>

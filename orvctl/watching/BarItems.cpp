@@ -3,7 +3,7 @@
 #include "orvctl/views/Age.h"
 #include "orvctl/watching/Figures.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,7 @@
 #include "orvctl/watching/WallTime.h"
 #include "orvctl/watching/WatchFormat.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <algorithm>
 #include <set>

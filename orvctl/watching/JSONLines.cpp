@@ -2,7 +2,7 @@
 #include "orvctl/watching/WatchFormat.h"
 #include "json/JSONWriter.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <chrono>
 

@@ -1,6 +1,6 @@
 #include "orvctl/watching/WallTime.h"
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <ctime>
 
