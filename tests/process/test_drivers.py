@@ -49,7 +49,8 @@ class SensorFilesTest(HostTest):
                              stderr=subprocess.PIPE)
         recorded = ""
         while not recorded.endswith("\n}\n"):
-            recorded += process.stdout.readline()
+            recorded += (line := process.stdout.readline())
+            self.assertTrue(line, recorded)
         self.write_intel(temp1_input="50000\n")
         step = process.stdout.readline()
         process.send_signal(signal.SIGINT)
