@@ -12,6 +12,16 @@ LINK = "/var/lib/prometheus/node-exporter/orv.prom"
 
 
 class Fleet(Check):
+    @classmethod
+    def setUpClass(cls):
+        cls.addClassCleanup(cls.leave)
+
+    @classmethod
+    def leave(cls):
+        cls.machine.run("systemctl --user disable --now orv-metrics.timer", "ada")
+        cls.machine.run(f"loginctl disable-linger ada; rm -r /var/lib/orv-metrics {LINK}")
+        until_logged_out(cls.machine, "ada")
+
     def exported(self):
         """Once there is more than the version, which is all that is said before the service has answered."""
         text = self.machine.run(f'python3 -c "{ASK}"', status=None)
@@ -33,9 +43,3 @@ class Fleet(Check):
         self.machine.until(lambda: self.machine.run(changed) != first, "the timer's next run")
         self.assertEqual(self.machine.run("ls -A /var/lib/orv-metrics"), "orv.prom")
         self.assertEqual(self.machine.run("systemctl --user --failed --quiet", "ada"), "")
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.machine.run("systemctl --user disable --now orv-metrics.timer", "ada")
-        cls.machine.run(f"loginctl disable-linger ada; rm -r /var/lib/orv-metrics {LINK}")
-        until_logged_out(cls.machine, "ada")
